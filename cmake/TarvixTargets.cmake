@@ -1,0 +1,37 @@
+include(GNUInstallDirs)
+
+option(TARVIX_WERROR "Treat warnings as errors" ${PROJECT_IS_TOP_LEVEL})
+
+# What every target of the project is compiled with.
+function(tarvix_compile_options Target)
+  target_compile_features(${Target} PUBLIC cxx_std_20)
+  set_target_properties(${Target} PROPERTIES CXX_EXTENSIONS OFF)
+  target_compile_options(${Target} PRIVATE -Wall -Wextra -Wpedantic -Wconversion -Wshadow
+                                           $<$<BOOL:${TARVIX_WERROR}>:-Werror>)
+endfunction()
+
+# A library of the project: `Name` for hosts (static or shared) and `Name_objects`, the same object files with every
+# internal symbol in reach, for the project's own tests, benchmarks and fuzzers.
+function(tarvix_add_library Name)
+  cmake_parse_arguments(PARSE_ARGV 1 Arg "" "" "SOURCES")
+  string(TOUPPER ${Name} Upper)
+
+  add_library(${Name}_objects OBJECT ${Arg_SOURCES})
+  tarvix_compile_options(${Name}_objects)
+  target_include_directories(${Name}_objects PUBLIC "${PROJECT_SOURCE_DIR}" "${PROJECT_BINARY_DIR}/generated")
+  target_compile_definitions(${Name}_objects PRIVATE ${Upper}_BUILDING)
+  set_target_properties(${Name}_objects PROPERTIES POSITION_INDEPENDENT_CODE ON CXX_VISIBILITY_PRESET hidden
+                                                   VISIBILITY_INLINES_HIDDEN ON)
+
+  add_library(${Name} $<TARGET_OBJECTS:${Name}_objects>)
+  add_library(Tarvix::${Name} ALIAS ${Name})
+  target_compile_features(${Name} PUBLIC cxx_std_20)
+  set_target_properties(${Name} PROPERTIES LINKER_LANGUAGE CXX VERSION ${PROJECT_VERSION}
+                                           SOVERSION ${PROJECT_VERSION_MAJOR})
+  target_include_directories(${Name} INTERFACE $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>
+                                               $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
+  if(NOT BUILD_SHARED_LIBS)
+    target_compile_definitions(${Name}_objects PUBLIC ${Upper}_STATIC)
+    target_compile_definitions(${Name} INTERFACE ${Upper}_STATIC)
+  endif()
+endfunction()

@@ -1,0 +1,7 @@
+#include "pellumo/emulation/Pins.h"
+
+namespace Pellumo {
+
+Pins::~Pins() = default;
+
+} // namespace Pellumo

@@ -1,0 +1,7 @@
+#include "pellumo/mpsse/Transport.h"
+
+namespace Pellumo {
+
+Transport::~Transport() = default;
+
+} // namespace Pellumo

@@ -1,0 +1,7 @@
+#include "tarvix/script/icLog.h"
+
+namespace Tarvix {
+
+icLog::~icLog() = default;
+
+} // namespace Tarvix

@@ -1,0 +1,7 @@
+#include "tarvix/signalling/FTDIMPSSE.h"
+
+namespace Tarvix {
+
+FTDIMPSSE::~FTDIMPSSE() = default;
+
+} // namespace Tarvix

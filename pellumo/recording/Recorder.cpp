@@ -8,7 +8,7 @@ SampleListener::~SampleListener() = default;
 
 double Recorder::Now() const noexcept
 {
-    return SamplesInEpoch_ == 0 ? EpochSeconds_ : EpochSeconds_ + static_cast<double>(SamplesInEpoch_) / Frequency_;
+    return SampleStream{{}, {}, false, Frequency_, EpochSeconds_, SamplesInEpoch_}.Seconds(0);
 }
 
 void Recorder::ConfigurePins(std::uint8_t Levels, std::uint8_t Directions)

@@ -14,7 +14,7 @@ struct SampleStream {
     std::span<const std::uint8_t> Tx; ///< what the commander drove
     std::span<const std::uint8_t> Rx; ///< the bus as sampled, as long as `Tx`; `Tx` itself when nothing was read back
     bool ReadBack = false;            ///< whether the bus was sampled
-    double Frequency = 0.0;           ///< samples per second
+    double Frequency = 0.0;           ///< samples per second; 0 before a clock was set: time unknown
     double EpochSeconds = 0.0;        ///< bus time at which this sample clock was set
     std::int64_t FirstSample = 0;     ///< samples clocked since then, up to this stream
 
@@ -22,7 +22,7 @@ struct SampleStream {
     /// since the clock was set, so that rounding never adds up.
     double Seconds(std::int64_t n) const noexcept
     {
-        return EpochSeconds + static_cast<double>(FirstSample + n) / Frequency;
+        return Frequency > 0.0 ? EpochSeconds + static_cast<double>(FirstSample + n) / Frequency : EpochSeconds;
     }
     /// Samples in this stream.
     std::int64_t Samples() const noexcept { return static_cast<std::int64_t>(Tx.size()) * 8; }

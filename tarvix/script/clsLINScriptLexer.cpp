@@ -8,12 +8,14 @@
 
 namespace Tarvix {
 
-// Scanners walk with a bare position up to the NUL that ends every std::u16string. NUL is white space, which no word, no
-// number and no unknown construct contains, so their loops need no test for the end of the input; the others test it.
+// A scanner looks at the text from `Text` on and tells how many code units its token has; it never looks beyond the NUL
+// that ends every std::u16string. NUL is white space, which no word, no number and no unknown construct contains, so
+// their loops need no test for the end of the input. Lengths, not pointers, are handed up: thus the processor can start
+// on a token before it knows the length of the one before.
 
 namespace {
 
-using Position = const char16_t*;
+using Units = const char16_t*;
 
 enum class CharacterClass : std::uint8_t { WhiteSpace, Letter, Digit, Point, OpenParenthesis, Semicolon, Slash, Other };
 
@@ -58,154 +60,163 @@ bool IsExponentLetter(char16_t Unit) noexcept
 }
 
 /// 2 for CR LF, 1 for LF alone, 0 for anything else.
-std::ptrdiff_t EndOfLineLength(Position Begin) noexcept
+std::size_t EndOfLineLength(Units Text) noexcept
 {
-    if (*Begin == u'\r') {
-        return Begin[1] == u'\n' ? 2 : 0;
+    if (*Text == u'\r') {
+        return Text[1] == u'\n' ? 2 : 0;
     }
-    return *Begin == u'\n' ? 1 : 0;
+    return *Text == u'\n' ? 1 : 0;
 }
 
-Position SkipWhiteSpace(Position Begin, Position End) noexcept
+/// Length of the white space up to the next token, line break or end.
+std::size_t WhiteSpaceLength(Units Text, std::size_t Size) noexcept
 {
-    while (Begin != End && IsWhiteSpace(*Begin) && EndOfLineLength(Begin) == 0) {
-        ++Begin;
+    std::size_t Length = 0;
+    while (Length < Size && IsWhiteSpace(Text[Length]) && EndOfLineLength(Text + Length) == 0) {
+        ++Length;
     }
-    return Begin;
+    return Length;
 }
 
-Position SkipDigits(Position Begin) noexcept
+std::size_t DigitsLength(Units Text) noexcept
 {
-    while (IsDigit(*Begin)) {
-        ++Begin;
+    std::size_t Length = 0;
+    while (IsDigit(Text[Length])) {
+        ++Length;
     }
-    return Begin;
+    return Length;
 }
 
-Position EndOfIdentifier(Position Begin) noexcept
+std::size_t IdentifierLength(Units Text) noexcept
 {
-    auto Class = CharacterClass::Letter;
-    while (Class == CharacterClass::Letter || Class == CharacterClass::Digit) {
-        Class = ClassOf(*++Begin);
+    std::size_t Length = 1;
+    for (auto Class = ClassOf(Text[Length]); Class == CharacterClass::Letter || Class == CharacterClass::Digit;) {
+        Class = ClassOf(Text[++Length]);
     }
-    return Begin;
+    return Length;
 }
 
-Position EndOfUnknown(Position Begin) noexcept
+std::size_t UnknownLength(Units Text) noexcept
 {
-    while (!IsWhiteSpace(*Begin)) {
-        ++Begin;
+    std::size_t Length = 0;
+    while (!IsWhiteSpace(Text[Length])) {
+        ++Length;
     }
-    return Begin;
-}
-
-/// Where the line break begins that ends with `LineFeed`, in a text from `Begin` on.
-Position BeginOfLineBreak(Position Begin, Position LineFeed) noexcept
-{
-    return LineFeed != Begin && LineFeed[-1] == u'\r' ? LineFeed - 1 : LineFeed;
+    return Length;
 }
 
 struct Number {
-    Position End; ///< its beginning when there is no number
+    std::size_t Length; ///< 0 when there is no number
     bool Real;
 };
 
 /// Digits with one point before, between or after them, then an exponent with at least one digit. A second point or
 /// exponent that follows directly spoils the whole number; a sign that does not follow the exponent letter ends it.
-Number ScanNumber(Position Begin) noexcept
+Number ScanNumber(Units Text) noexcept
 {
-    const Number None{Begin, false};
-    Position End = SkipDigits(Begin);
-    bool Digits = End != Begin;
-    const bool Point = *End == u'.';
+    std::size_t Length = DigitsLength(Text);
+    std::size_t Digits = Length;
+    const bool Point = Text[Length] == u'.';
     if (Point) {
-        const Position Fraction = End + 1;
-        End = SkipDigits(Fraction);
-        Digits = Digits || End != Fraction;
+        const std::size_t Fraction = DigitsLength(Text + Length + 1);
+        Digits += Fraction;
+        Length += 1 + Fraction;
     }
-    const bool Exponent = Digits && IsExponentLetter(*End);
+    const bool Exponent = Digits > 0 && IsExponentLetter(Text[Length]);
     if (Exponent) {
-        ++End;
-        const Position ExponentDigits = *End == u'+' || *End == u'-' ? End + 1 : End;
-        End = SkipDigits(ExponentDigits);
-        Digits = End != ExponentDigits;
+        const bool Sign = Text[Length + 1] == u'+' || Text[Length + 1] == u'-';
+        Length += Sign ? 2 : 1;
+        Digits = DigitsLength(Text + Length);
+        Length += Digits;
     }
-    const bool Spoilt = (*End == u'.' && (Point || Exponent)) || (Exponent && IsExponentLetter(*End));
-    return Digits && !Spoilt ? Number{End, Point || Exponent} : None;
+    const bool Spoilt = ((Point || Exponent) && Text[Length] == u'.') || (Exponent && IsExponentLetter(Text[Length]));
+    return Digits > 0 && !Spoilt ? Number{Length, Point || Exponent} : Number{0, false};
 }
 
 struct Token {
     eTokenType Type;
-    Position End;
-    std::u16string_view Value;
+    std::size_t Length;
+    Units Value; // not a string_view: the members stay in registers
+    std::size_t ValueLength;
 };
 
 /// A token whose value is all of its text.
-Token WholeToken(eTokenType Type, Position Begin, Position End) noexcept
+Token WholeToken(eTokenType Type, Units Text, std::size_t Length) noexcept
 {
-    return {Type, End, {Begin, End}};
+    return {Type, Length, Text, Length};
 }
 
 /// A line break; without one, the end of the input.
-Token ScanEndOfLine(Position Begin) noexcept
+Token ScanEndOfLine(Units Text) noexcept
 {
-    const std::ptrdiff_t Length = EndOfLineLength(Begin);
-    return WholeToken(Length > 0 ? ettEndOfLine : ettNothing, Begin, Begin + Length);
+    const std::size_t Length = EndOfLineLength(Text);
+    return WholeToken(Length > 0 ? ettEndOfLine : ettNothing, Text, Length);
 }
 
-Token ScanIdentifier(Position Begin) noexcept
+Token ScanIdentifier(Units Text) noexcept
 {
-    const Position End = EndOfIdentifier(Begin);
-    return WholeToken(FindKeyword({Begin, End}) ? ettKeyword : ettConstant, Begin, End);
+    const std::size_t Length = IdentifierLength(Text);
+    return WholeToken(FindKeyword({Text, Length}) ? ettKeyword : ettConstant, Text, Length);
 }
 
-Token ScanUnknown(Position Begin) noexcept
+Token ScanUnknown(Units Text) noexcept
 {
-    return WholeToken(ettUnknown, Begin, EndOfUnknown(Begin));
+    return WholeToken(ettUnknown, Text, UnknownLength(Text));
 }
 
-Token ScanNumberOrUnknown(Position Begin) noexcept
+Token ScanNumberOrUnknown(Units Text) noexcept
 {
-    const Number Found = ScanNumber(Begin);
-    return Found.End == Begin ? ScanUnknown(Begin) : WholeToken(Found.Real ? ettReal : ettInteger, Begin, Found.End);
+    const Number Found = ScanNumber(Text);
+    return Found.Length == 0 ? ScanUnknown(Text) : WholeToken(Found.Real ? ettReal : ettInteger, Text, Found.Length);
 }
 
-Token ScanByteStream(Position Begin, Position End) noexcept
+/// `Line` without the CR that belongs to its line break, when a LF follows it.
+std::u16string_view WithoutCarriageReturn(std::u16string_view Line, bool LineFeedFollows) noexcept
 {
-    const Position Text = Begin + 1;
-    const Position Stop = std::find_if(Text, End, [](char16_t Unit) { return Unit == u')' || Unit == u'\n'; });
+    Line.remove_suffix(LineFeedFollows && Line.ends_with(u'\r') ? 1 : 0);
+    return Line;
+}
+
+Token ScanByteStream(Units Text, std::size_t Size) noexcept
+{
+    const Units Begin = Text + 1;
+    const Units End = Text + Size;
+    const Units Stop = std::find_if(Begin, End, [](char16_t Unit) { return Unit == u')' || Unit == u'\n'; });
     if (Stop != End && *Stop == u')') {
-        return {ettByteStream, Stop + 1, {Text, Stop}};
+        const std::u16string_view Value(Begin, Stop);
+        return {ettByteStream, Value.size() + 2, Begin, Value.size()};
     }
-    const Position LineEnd = Stop == End ? End : BeginOfLineBreak(Text, Stop);
-    return {ettOpenByteStream, LineEnd, {Text, LineEnd}};
+    const std::u16string_view Rest = WithoutCarriageReturn({Begin, Stop}, Stop != End);
+    return {ettOpenByteStream, Rest.size() + 1, Begin, Rest.size()};
 }
 
-Token ScanCommentOrUnknown(Position Begin, Position End) noexcept
+Token ScanCommentOrUnknown(Units Text, std::size_t Size) noexcept
 {
-    if (Begin[1] != u'/') {
-        return ScanUnknown(Begin);
+    if (Text[1] != u'/') {
+        return ScanUnknown(Text);
     }
-    const Position Text = Begin + 2;
-    const Position LineFeed = std::find(Text, End, u'\n');
-    const Position LineEnd = LineFeed == End ? End : BeginOfLineBreak(Text, LineFeed);
-    return {ettComment, LineEnd, {Text, LineEnd}};
+    const Units Begin = Text + 2;
+    const Units End = Text + Size;
+    const Units LineFeed = std::find(Begin, End, u'\n');
+    const std::u16string_view Value = WithoutCarriageReturn({Begin, LineFeed}, LineFeed != End);
+    return {ettComment, Value.size() + 2, Begin, Value.size()};
 }
 
-/// The token at `Begin`, where white space has been skipped. The first character alone tells which rules can apply.
-Token ScanToken(Position Begin, Position End) noexcept
+/// The token at the front of `Text`, where no white space is but the line break. Its first character alone tells which
+/// rules can apply.
+Token ScanToken(Units Text, std::size_t Size) noexcept
 {
-    switch (ClassOf(*Begin)) {
-    case CharacterClass::WhiteSpace: return ScanEndOfLine(Begin);
-    case CharacterClass::Letter: return ScanIdentifier(Begin);
+    switch (ClassOf(*Text)) {
+    case CharacterClass::WhiteSpace: return ScanEndOfLine(Text);
+    case CharacterClass::Letter: return ScanIdentifier(Text);
     case CharacterClass::Digit:
-    case CharacterClass::Point: return ScanNumberOrUnknown(Begin);
-    case CharacterClass::OpenParenthesis: return ScanByteStream(Begin, End);
-    case CharacterClass::Semicolon: return WholeToken(ettEndOfCommand, Begin, Begin + 1);
-    case CharacterClass::Slash: return ScanCommentOrUnknown(Begin, End);
+    case CharacterClass::Point: return ScanNumberOrUnknown(Text);
+    case CharacterClass::OpenParenthesis: return ScanByteStream(Text, Size);
+    case CharacterClass::Semicolon: return WholeToken(ettEndOfCommand, Text, 1);
+    case CharacterClass::Slash: return ScanCommentOrUnknown(Text, Size);
     case CharacterClass::Other: break;
     }
-    return ScanUnknown(Begin);
+    return ScanUnknown(Text);
 }
 
 } // namespace
@@ -228,11 +239,12 @@ std::int32_t clsLINScriptLexer::GetToken(std::u16string_view& TokenValue)
     if (ScanPos_ == 0) {
         Raise(errGeneral::errInvalidArgument);
     }
-    const Position Input = Input_.data();
-    const Position End = Input + Input_.size();
-    const Token Next = ScanToken(SkipWhiteSpace(Input + Scanned(), End), End);
-    ScanPos_ = static_cast<std::int32_t>(Next.End - Input) + 1; // fits: the length of the input was tested
-    TokenValue = Next.Value;
+    const Units Text = Input_.data() + Scanned();
+    const std::size_t Size = Input_.size() - Scanned();
+    const std::size_t WhiteSpace = WhiteSpaceLength(Text, Size);
+    const Token Next = ScanToken(Text + WhiteSpace, Size - WhiteSpace);
+    ScanPos_ += static_cast<std::int32_t>(WhiteSpace + Next.Length); // fits: the length of the input was tested
+    TokenValue = {Next.Value, Next.ValueLength};
     return Next.Type;
 }
 

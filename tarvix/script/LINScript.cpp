@@ -11,8 +11,6 @@ constexpr std::array<std::string_view, 9> TokenTypeNames = {
     "nothing",           "keyword", "integer number", "real number", "byte stream",
     "symbolic constant", ";",       "comment",        "end of line"};
 
-constexpr std::int8_t NoKeyword = -1;
-
 // Different for every keyword, so that a word is compared with one keyword at most.
 constexpr std::size_t HashOf(std::size_t Length, char16_t FirstLetter) noexcept
 {
@@ -20,16 +18,16 @@ constexpr std::size_t HashOf(std::size_t Length, char16_t FirstLetter) noexcept
     return (Length + std::size_t{3} * (FirstLetter & CaseIgnored)) % 32;
 }
 
-consteval std::array<std::int8_t, 32> CodesByHash()
+consteval std::array<eKeyword, 32> CodesByHash()
 {
-    std::array<std::int8_t, 32> Codes{};
-    Codes.fill(NoKeyword);
+    std::array<eKeyword, 32> Codes{};
+    Codes.fill(ekwNone);
     for (std::size_t k = 0; k < KeywordTable.size(); ++k) {
-        std::int8_t& Code = Codes[HashOf(KeywordTable[k].size(), static_cast<unsigned char>(KeywordTable[k].front()))];
-        if (Code != NoKeyword) {
+        eKeyword& Code = Codes[HashOf(KeywordTable[k].size(), static_cast<unsigned char>(KeywordTable[k].front()))];
+        if (Code != ekwNone) {
             throw "two keywords share a hash"; // stops the compilation
         }
-        Code = static_cast<std::int8_t>(k);
+        Code = static_cast<eKeyword>(k);
     }
     return Codes;
 }
@@ -54,17 +52,15 @@ std::string TokenTypeName(std::int32_t TokenType)
     return std::string(Named ? TokenTypeNames[static_cast<std::size_t>(TokenType)] : "unknown construct");
 }
 
-std::optional<eKeyword> FindKeyword(std::u16string_view Word) noexcept
+eKeyword FindKeyword(std::u16string_view Word) noexcept
 {
-    static constexpr std::array<std::int8_t, 32> Codes = CodesByHash();
+    static constexpr std::array<eKeyword, 32> Codes = CodesByHash();
     if (Word.empty()) {
-        return std::nullopt;
+        return ekwNone;
     }
-    const std::int8_t Code = Codes[HashOf(Word.size(), Word.front())];
-    if (Code == NoKeyword || !IsWrittenAs(Word, KeywordTable[static_cast<std::size_t>(Code)])) {
-        return std::nullopt;
-    }
-    return static_cast<eKeyword>(Code);
+    const eKeyword Code = Codes[HashOf(Word.size(), Word.front())];
+    const bool Found = Code != ekwNone && IsWrittenAs(Word, KeywordTable[static_cast<std::size_t>(Code)]);
+    return Found ? Code : ekwNone;
 }
 
 } // namespace Tarvix

@@ -4,7 +4,6 @@
 
 #include <array>
 #include <cstdint>
-#include <optional>
 #include <string>
 #include <string_view>
 
@@ -31,7 +30,8 @@ std::string TokenTypeName(std::int32_t TokenType);
 
 /// Keyword codes: indices into `KeywordTable`.
 enum eKeyword : std::int32_t {
-    ekwBaudrate = 0,
+    ekwNone = -1, ///< no keyword
+    ekwBaudrate,
     ekwWait,
     ekwBreak,
     ekwBreakWidth,
@@ -54,7 +54,7 @@ inline constexpr std::array<std::string_view, 16> KeywordTable = {
     "BAUDRATE", "WAIT", "BREAK", "BREAK_WIDTH", "SYNC_BYTE", "WRITE_FRAME", "READ_FRAME", "BD",
     "ID",       "LEN",  "TX",    "RX",          "CHKSUM",    "RXMASK",      "CHKSUMMASK", "CHKSUM_MODE"};
 
-/// The code of the keyword `Word`, the case of ASCII letters ignored; nothing when it is none.
-std::optional<eKeyword> FindKeyword(std::u16string_view Word) noexcept;
+/// The code of the keyword `Word`, the case of ASCII letters ignored; `ekwNone` when it is none.
+eKeyword FindKeyword(std::u16string_view Word) noexcept;
 
 } // namespace Tarvix

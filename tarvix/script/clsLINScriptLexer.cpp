@@ -156,7 +156,7 @@ Token ScanEndOfLine(Units Text) noexcept
 Token ScanIdentifier(Units Text) noexcept
 {
     const std::size_t Length = IdentifierLength(Text);
-    return WholeToken(FindKeyword({Text, Length}) ? ettKeyword : ettConstant, Text, Length);
+    return WholeToken(FindKeyword({Text, Length}) == ekwNone ? ettConstant : ettKeyword, Text, Length);
 }
 
 Token ScanUnknown(Units Text) noexcept

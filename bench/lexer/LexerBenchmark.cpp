@@ -1,7 +1,6 @@
 /// @file
-/// Tokens per second of the script lexer, beside a flex scanner of the same language on the same script. The lexer scans
-/// UTF-16 and copies the script first, as `ScanInput` does; flex scans bytes in place.
-#include "bench/lexer/FlexScanner.h"
+/// Tokens per second of the script lexer, beside a flex scanner of the same language on the same script. The lexer
+/// scans UTF-16 and copies the script first, as `ScanInput` does; flex scans bytes in place.
 #include "tarvix/script/clsLINScriptLexer.h"
 
 #include <benchmark/benchmark.h>
@@ -13,6 +12,8 @@
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include "bench/lexer/FlexScanner.h"
 
 namespace Tarvix {
 namespace {

@@ -11,17 +11,17 @@ namespace Tarvix {
 
 /// What a token is.
 enum eTokenType : std::int32_t {
-    ettNothing = 0,       ///< the end of the script
-    ettKeyword,           ///< a word of the keyword table, in any case
-    ettInteger,           ///< a number without point and exponent
-    ettReal,              ///< a number with a point, an exponent or both
-    ettByteStream,        ///< "(" to ")" on one line
-    ettConstant,          ///< any other word
-    ettEndOfCommand,      ///< ";"
-    ettComment,           ///< "//" to the end of the line
-    ettEndOfLine,         ///< LF or CR LF
-    ettUnknown,           ///< anything else, up to the next white space
-    ettOpenByteStream     ///< "(" without ")" on its line
+    ettNothing = 0,   ///< the end of the script
+    ettKeyword,       ///< a word of the keyword table, in any case
+    ettInteger,       ///< a number without point and exponent
+    ettReal,          ///< a number with a point, an exponent or both
+    ettByteStream,    ///< "(" to ")" on one line
+    ettConstant,      ///< any other word
+    ettEndOfCommand,  ///< ";"
+    ettComment,       ///< "//" to the end of the line
+    ettEndOfLine,     ///< LF or CR LF
+    ettUnknown,       ///< anything else, up to the next white space
+    ettOpenByteStream ///< "(" without ")" on its line
 };
 
 /// The name of a token type in messages: "integer number", ";"; "unknown construct" for `ettUnknown`,

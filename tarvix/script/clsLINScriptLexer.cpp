@@ -223,7 +223,8 @@ Token ScanToken(Units Text, std::size_t Size) noexcept
 
 void clsLINScriptLexer::ScanInput(std::u16string_view InputString)
 {
-    CheckedNarrow<std::int32_t>(static_cast<std::int64_t>(InputString.size()) + 1); // before anything that long is copied
+    CheckedNarrow<std::int32_t>(static_cast<std::int64_t>(InputString.size()) +
+                                1); // before anything that long is copied
     TakeInput(std::u16string(InputString));
 }
 

@@ -1,6 +1,7 @@
 #include "tarvix/script/clsLINScriptLexer.h"
 
 #include "tarvix/common/CheckedArithmetic.h"
+#include "tarvix/script/Characters.h"
 
 #include <algorithm>
 #include <array>
@@ -24,11 +25,10 @@ consteval std::array<CharacterClass, 128> ClassesOfASCII()
     std::array<CharacterClass, 128> Classes{};
     for (char16_t Unit = 0; Unit < Classes.size(); ++Unit) {
         const bool Letter = (Unit >= u'a' && Unit <= u'z') || (Unit >= u'A' && Unit <= u'Z') || Unit == u'_';
-        const bool Digit = Unit >= u'0' && Unit <= u'9';
-        Classes[Unit] = Letter         ? CharacterClass::Letter
-                        : Digit        ? CharacterClass::Digit
-                        : Unit <= u' ' ? CharacterClass::WhiteSpace
-                                       : CharacterClass::Other;
+        Classes[Unit] = Letter               ? CharacterClass::Letter
+                        : IsDigit(Unit)      ? CharacterClass::Digit
+                        : IsWhiteSpace(Unit) ? CharacterClass::WhiteSpace
+                                             : CharacterClass::Other;
     }
     Classes[u'.'] = CharacterClass::Point;
     Classes[u'('] = CharacterClass::OpenParenthesis;
@@ -42,16 +42,6 @@ constexpr std::array<CharacterClass, 128> ASCIIClasses = ClassesOfASCII();
 CharacterClass ClassOf(char16_t Unit) noexcept
 {
     return Unit < ASCIIClasses.size() ? ASCIIClasses[Unit] : CharacterClass::Letter;
-}
-
-bool IsWhiteSpace(char16_t Unit) noexcept
-{
-    return Unit <= u' ';
-}
-
-bool IsDigit(char16_t Unit) noexcept
-{
-    return Unit >= u'0' && Unit <= u'9';
 }
 
 bool IsExponentLetter(char16_t Unit) noexcept
@@ -219,6 +209,12 @@ Token ScanToken(Units Text, std::size_t Size) noexcept
     return ScanUnknown(Text);
 }
 
+/// Raises the overflow error unless every position of a text of `Length`, the one past its end included, is 32-bit.
+void RequirePositions(std::size_t Length)
+{
+    CheckedNarrow<std::int32_t>(static_cast<std::int64_t>(Length) + 1);
+}
+
 } // namespace
 
 void clsLINScriptLexer::ScanInput(std::u16string_view InputString)
@@ -230,7 +226,7 @@ void clsLINScriptLexer::ScanInput(std::u16string_view InputString)
 
 void clsLINScriptLexer::TakeInput(std::u16string&& InputString)
 {
-    CheckedNarrow<std::int32_t>(static_cast<std::int64_t>(InputString.size()) + 1);
+    RequirePositions(InputString.size());
     Input_ = std::move(InputString);
     ScanPos_ = 1;
 }

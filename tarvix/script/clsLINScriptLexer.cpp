@@ -23,12 +23,13 @@ enum class CharacterClass : std::uint8_t { WhiteSpace, Letter, Digit, Point, Ope
 consteval std::array<CharacterClass, 128> ClassesOfASCII()
 {
     std::array<CharacterClass, 128> Classes{};
-    for (char16_t Unit = 0; Unit < Classes.size(); ++Unit) {
+    for (std::size_t k = 0; k < Classes.size(); ++k) {
+        const auto Unit = static_cast<char16_t>(k);
         const bool Letter = (Unit >= u'a' && Unit <= u'z') || (Unit >= u'A' && Unit <= u'Z') || Unit == u'_';
-        Classes[Unit] = Letter               ? CharacterClass::Letter
-                        : IsDigit(Unit)      ? CharacterClass::Digit
-                        : IsWhiteSpace(Unit) ? CharacterClass::WhiteSpace
-                                             : CharacterClass::Other;
+        Classes[k] = Letter               ? CharacterClass::Letter
+                     : IsDigit(Unit)      ? CharacterClass::Digit
+                     : IsWhiteSpace(Unit) ? CharacterClass::WhiteSpace
+                                          : CharacterClass::Other;
     }
     Classes[u'.'] = CharacterClass::Point;
     Classes[u'('] = CharacterClass::OpenParenthesis;

@@ -23,7 +23,7 @@ public:
     ~DecimalCommaLocale()
     {
         std::locale::global(BeforeInStreams_);
-        std::setlocale(LC_ALL, Before_.c_str()); // NOLINT(concurrency-mt-unsafe)
+        static_cast<void>(std::setlocale(LC_ALL, Before_.c_str())); // NOLINT(concurrency-mt-unsafe)
     }
     DecimalCommaLocale(const DecimalCommaLocale&) = delete;
     DecimalCommaLocale& operator=(const DecimalCommaLocale&) = delete;

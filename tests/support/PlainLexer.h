@@ -5,6 +5,7 @@
 
 #include "tarvix/script/LINScript.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <string>
 #include <utility>
@@ -104,12 +105,9 @@ private:
         for (char16_t& C : Word) {
             C = C >= 'a' && C <= 'z' ? static_cast<char16_t>(C - 32) : C;
         }
-        for (const std::string_view Keyword : KeywordTable) {
-            if (Word == std::u16string(Keyword.begin(), Keyword.end())) {
-                return true;
-            }
-        }
-        return false;
+        return std::any_of(KeywordTable.begin(), KeywordTable.end(), [&Word](std::string_view Keyword) {
+            return Word == std::u16string(Keyword.begin(), Keyword.end());
+        });
     }
 
     std::size_t NumberLength(bool& Real) const

@@ -56,9 +56,13 @@ TEST(TokenToKeyword, GivesTheCodeWhateverTheCase)
 
 TEST(TokenToKeyword, RefusesEverythingElse)
 {
-    // "\x7F" differs from "_", and "K" from KELVIN SIGN, in bits that a careless comparison of cases ignores.
+    // "\x7F" differs from "_", and KELVIN SIGN from "K", in bits that a careless comparison of cases ignores; nine
+    // times "WAIT" has the hash, the first and the last letters of "WAIT".
+    const std::u16string NineTimes = Repeat(u"WAIT", 9);
     for (const std::u16string_view Text :
-         {u"LIN1_3", u"", u"W", u"WAIT ", u"BREAK\x7FWIDTH", u"BREA\u212A", u"\u0049\u0130"}) {
+         {std::u16string_view(), std::u16string_view(u"LIN1_3"), std::u16string_view(u"W"),
+          std::u16string_view(u"WAIT "), std::u16string_view(u"BREAK\x7FWIDTH"), std::u16string_view(u"BREA\u212A"),
+          std::u16string_view(NineTimes)}) {
         ExpectError(
             errLINScriptLexer::errTokenConversion, [&] { clsLINScriptLexer().TokenToKeyword(Text); },
             "clsLINScriptLexer", "Error in token value conversion");

@@ -146,7 +146,7 @@ class Clocking : public Chip, public testing::WithParamInterface<ClockCase> {};
 INSTANTIATE_TEST_SUITE_P(
     Settings, Clocking,
     testing::Values(ClockCase{{}, 10}, ClockCase{{0x8A}, 2}, ClockCase{{0x8A, 0x8B}, 10},
-                    ClockCase{{0x86, 0xC2, 0x00}, 1950}, ClockCase{{0x8A, 0x86, 0x34, 0x12}, 2 * 0x1235},
+                    ClockCase{{0x86, 0xC2, 0x00}, 1950}, ClockCase{{0x8A, 0x86, 0x34, 0x12}, 9322},
                     ClockCase{{0x8A, 0x86, 0xFF, 0xFF}, 131072}, ClockCase{{0x8A, 0x8C, 0x86, 0x01, 0x00}, 6},
                     ClockCase{{0x8A, 0x8C, 0x8D, 0x86, 0x01, 0x00}, 4}, ClockCase{{0x96}, 10}, ClockCase{{0x97}, 10}));
 
@@ -163,7 +163,7 @@ TEST_P(Clocking, SingleBitsTakeAsLongAsTheBitsOfBytes)
     for (int i = 0; i < 8; ++i) {
         Engine.Write(Bytes{0x1A, 0x04, 0x15});
     }
-    const std::int64_t Wanted = 5 * 8 * std::max<std::int64_t>(GetParam().SampleTicks, 8);
+    const std::int64_t Wanted = 5LL * 8 * std::max<std::int64_t>(GetParam().SampleTicks, 8);
     EXPECT_LT(std::abs(Elapsed() - Wanted), 8) << "ticks that an eighth of a bit lacks are made up for";
 }
 

@@ -23,7 +23,7 @@ using Bytes = std::vector<std::uint8_t>;
 using Lines = std::vector<std::string>;
 
 template <typename Enum>
-Failure Raised(Enum Number, std::string Description)
+Failure Raised(Enum Number, std::string_view Description)
 {
     return {static_cast<std::uint32_t>(Number), "MPSSEDevice", std::string("fake:1: ").append(Description)};
 }

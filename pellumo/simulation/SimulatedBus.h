@@ -6,6 +6,7 @@
 #include "pellumo/simulation/BusDescription.h"
 #include "pellumo/simulation/SlaveNode.h"
 #include "pellumo/simulation/Tick.h"
+#include "pellumo/simulation/WireFaults.h"
 
 #include <cstdint>
 #include <span>
@@ -28,10 +29,19 @@ public:
     void SetLevel(int Level) override;
 
 private:
-    int DrivenByNodes() const noexcept;
+    struct Levels {
+        int OnBus; ///< that the nodes see
+        int Read;  ///< that the commander reads
+    };
+
+    Levels LevelsWith(int Commander) noexcept;
+    Tick NextEvent(int OnBus);
+    void AdvanceTo(Tick To);
 
     std::vector<SlaveNode> Nodes_;
+    WireFaults Faults_;
     Tick Now_ = 0;
+    std::int64_t Samples_ = 0; // clocked so far
 };
 
 } // namespace Pellumo

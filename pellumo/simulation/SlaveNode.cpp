@@ -1,18 +1,29 @@
 #include "pellumo/simulation/SlaveNode.h"
 
 #include "pellumo/simulation/FrameBytes.h"
+#include "pellumo/simulation/RandomBits.h"
 
 #include <algorithm>
 #include <cmath>
 
 namespace Pellumo {
 
-SlaveNode::SlaveNode(const SlaveDescription& Description)
-    : ClockErrorPPM_(std::llround(Description.ClockError * 10'000)),
+namespace {
+
+/// True when `Occurrence` (0 for each of them) is about the frame's request of this number.
+constexpr bool Concerns(std::int32_t Occurrence, std::int32_t Request) noexcept
+{
+    return Occurrence == 0 || Occurrence == Request;
+}
+
+} // namespace
+
+SlaveNode::SlaveNode(const SlaveDescription& Description, std::span<const AnswerFault> Faults, std::uint64_t Seed)
+    : Faults_(Faults.begin(), Faults.end()), Seed_(Seed), ClockErrorPPM_(std::llround(Description.ClockError * 10'000)),
       ResponseSpaceMicrobits_(std::llround(Description.ResponseSpace * 1'000'000))
 {
     for (const FrameDescription& Frame : Description.Frames) {
-        Frames_.push_back({Frame, Frame.Copies ? Bytes{} : Frame.Data});
+        Frames_.push_back({Frame, Frame.Copies ? Bytes{} : Frame.Data, 0});
     }
 }
 
@@ -69,17 +80,43 @@ bool SlaveNode::CopiesFrom(std::uint8_t Identifier) const noexcept
                        [Identifier](const AnsweredFrame& Frame) { return Frame.Description.Copies == Identifier; });
 }
 
-void SlaveNode::Answer(const AnsweredFrame& Frame)
+void SlaveNode::Answer(AnsweredFrame& Frame)
 {
-    if (Frame.Data.empty()) {
+    ++Frame.Requests;
+    const FrameDescription& Description = Frame.Description;
+    if (Frame.Data.empty() || !Concerns(Description.OnlyRequest, Frame.Requests)) {
         return;
     }
-    const bool Enhanced = Frame.Description.Checksum == Tarvix::elcLIN20;
+    const bool Enhanced = Description.Checksum == Tarvix::elcLIN20;
     Answer_ = Frame.Data;
-    Answer_.push_back(
-        Frame.Description.FixedChecksum.value_or(Checksum(Enhanced ? ProtectedIdentifier_ : 0, Frame.Data)));
-    const NodeClock Clock(Receiver_.EightBits(), ClockErrorPPM_);
-    Transmitter_.Start(Answer_, Receiver_.EndOfByte() + Clock.Span(ResponseSpaceMicrobits_), Clock);
+    Answer_.push_back(Description.FixedChecksum.value_or(Checksum(Enhanced ? ProtectedIdentifier_ : 0, Frame.Data)));
+    for (const AnswerFault& Fault : Faults_) {
+        if (Fault.Frame == Description.Identifier && Concerns(Fault.Occurrence, Frame.Requests)) {
+            Spoil(Fault);
+        }
+    }
+    if (!Answer_.empty()) {
+        const NodeClock Clock(Receiver_.EightBits(), ClockErrorPPM_);
+        Transmitter_.Start(Answer_, Receiver_.EndOfByte() + Clock.Span(ResponseSpaceMicrobits_), Clock);
+    }
+}
+
+void SlaveNode::Spoil(const AnswerFault& Fault)
+{
+    const auto Count = static_cast<std::size_t>(Fault.Bytes);
+    switch (Fault.Kind) {
+    case AnswerFault::Effect::WrongChecksum:
+        if (!Answer_.empty()) {
+            Answer_.back() = static_cast<std::uint8_t>(~Answer_.back());
+        }
+        break;
+    case AnswerFault::Effect::Short: Answer_.resize(Answer_.size() - std::min(Count, Answer_.size())); break;
+    case AnswerFault::Effect::Long:
+        for (std::size_t k = 0; k < Count; ++k) {
+            Answer_.push_back(static_cast<std::uint8_t>(RandomBits(Seed_, RandomBytes_++)));
+        }
+        break;
+    }
 }
 
 void SlaveNode::HearByte()

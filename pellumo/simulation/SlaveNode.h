@@ -27,7 +27,10 @@ namespace Pellumo {
 ///   either model; anything else leaves the data received earlier.
 class SlaveNode {
 public:
-    explicit SlaveNode(const SlaveDescription& Description);
+    /// @param Faults  what goes wrong with answers; those to frames of other nodes do not matter
+    /// @param Seed    of the node's random bytes
+    explicit SlaveNode(const SlaveDescription& Description, std::span<const AnswerFault> Faults = {},
+                       std::uint64_t Seed = 0);
 
     /// What the node drives now, 0 or 1.
     int Level() const noexcept { return Transmitter_.Level(); }
@@ -63,7 +66,8 @@ private:
     /// A frame that the node answers.
     struct AnsweredFrame {
         FrameDescription Description;
-        Bytes Data; // for a copying frame what was received, empty until then
+        Bytes Data;                // for a copying frame what was received, empty until then
+        std::int32_t Requests = 0; // headers heard
     };
 
     void SeeEdge(int BusLevel);
@@ -71,10 +75,14 @@ private:
     void HearIdentifier();
     void HearByte();
     void EndResponse();
-    void Answer(const AnsweredFrame& Frame);
+    void Answer(AnsweredFrame& Frame);
+    void Spoil(const AnswerFault& Fault);
     bool CopiesFrom(std::uint8_t Identifier) const noexcept;
 
     std::vector<AnsweredFrame> Frames_;
+    std::vector<AnswerFault> Faults_;
+    std::uint64_t Seed_;
+    std::uint64_t RandomBytes_ = 0; // sent so far
     std::int64_t ClockErrorPPM_;
     std::int64_t ResponseSpaceMicrobits_;
 

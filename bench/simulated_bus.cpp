@@ -1,6 +1,6 @@
 #include "pellumo/simulation/ExampleBus.h"
 #include "pellumo/simulation/SimulatedBus.h"
-#include "tests/pellumo/simulation/SampleStream.h"
+#include "tests/pellumo/simulation/CommanderStream.h"
 
 #include <benchmark/benchmark.h>
 
@@ -8,7 +8,7 @@ namespace {
 
 using namespace Pellumo;
 using Testing::Bytes;
-using Testing::SampleStream;
+using Testing::CommanderStream;
 
 constexpr Tick Ticks19200 = 390;
 constexpr double WireSamplesPerSecond = 60e6 / static_cast<double>(Ticks19200);
@@ -19,12 +19,12 @@ class Traffic {
 public:
     Traffic& Request(std::uint8_t ProtectedIdentifier)
     {
-        Streams_.push_back(SampleStream().Request(ProtectedIdentifier).Data());
+        Streams_.push_back(CommanderStream().Request(ProtectedIdentifier).Data());
         return *this;
     }
     Traffic& Frame(std::uint8_t ProtectedIdentifier, const Bytes& Response)
     {
-        Streams_.push_back(SampleStream().Frame(ProtectedIdentifier, Response).Data());
+        Streams_.push_back(CommanderStream().Frame(ProtectedIdentifier, Response).Data());
         return *this;
     }
 

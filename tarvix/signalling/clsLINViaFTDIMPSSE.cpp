@@ -49,7 +49,7 @@ std::int32_t clsLINViaFTDIMPSSE::BitsToSamples(float Bits)
 
 float clsLINViaFTDIMPSSE::SamplesToBits(std::int32_t Samples) noexcept
 {
-    return NarrowToFloat(double{Samples} / SamplesPerBit);
+    return NarrowToFloat(static_cast<double>(Samples) / SamplesPerBit);
 }
 
 void clsLINViaFTDIMPSSE::LINWait(std::int32_t Length)

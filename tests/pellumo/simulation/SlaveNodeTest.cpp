@@ -1,6 +1,6 @@
 #include "pellumo/simulation/FrameBytes.h"
 #include "pellumo/simulation/SimulatedBus.h"
-#include "tests/pellumo/simulation/SampleStream.h"
+#include "tests/pellumo/simulation/CommanderStream.h"
 
 #include <gtest/gtest.h>
 
@@ -24,7 +24,7 @@ SlaveDescription Door()
     return {"door", 0.0, 1.0, {{.Identifier = 0x3D, .Data = {0x12, 0x34}}, {.Identifier = 0x21, .Copies = 0x20}}};
 }
 
-Bytes Exchange(SimulatedBus& Bus, const SampleStream& Stream, Tick SampleTicks = Ticks19200)
+Bytes Exchange(SimulatedBus& Bus, const CommanderStream& Stream, Tick SampleTicks = Ticks19200)
 {
     Bytes In(Stream.Data().size());
     Bus.Clock(Stream.Data(), In, SampleTicks);
@@ -33,7 +33,8 @@ Bytes Exchange(SimulatedBus& Bus, const SampleStream& Stream, Tick SampleTicks =
 
 Decoded Read(SimulatedBus& Bus, std::uint8_t ProtectedIdentifier, Tick SampleTicks = Ticks19200)
 {
-    return Decode(Exchange(Bus, SampleStream().Request(ProtectedIdentifier), SampleTicks), SampleStream::HeaderSamples);
+    return Decode(Exchange(Bus, CommanderStream().Request(ProtectedIdentifier), SampleTicks),
+                  CommanderStream::HeaderSamples);
 }
 
 const Decoded Silence{};
@@ -61,7 +62,7 @@ TEST(SlaveNode, TakesElevenBitTimesForABreak)
 {
     const auto Answer = [](std::size_t BreakSamples) {
         SimulatedBus Bus = BusWith(Door());
-        SampleStream Stream;
+        CommanderStream Stream;
         Stream.Idle(2).Break(BreakSamples).Byte(0x55).Byte(Protected3D);
         const std::size_t Header = Stream.Samples();
         return Decode(Exchange(Bus, Stream.Idle(140)), Header);
@@ -78,9 +79,9 @@ TEST(SlaveNode, AnswersToNoOtherSyncField)
 {
     for (int Sync = 0; Sync <= 0xFF; ++Sync) {
         SimulatedBus Bus = BusWith(Door());
-        SampleStream Stream;
+        CommanderStream Stream;
         Stream.Break().Byte(static_cast<std::uint8_t>(Sync)).Byte(Protected3D).Idle(140);
-        EXPECT_EQ(Decode(Exchange(Bus, Stream), SampleStream::HeaderSamples), Sync == 0x55 ? DoorAnswer : Silence)
+        EXPECT_EQ(Decode(Exchange(Bus, Stream), CommanderStream::HeaderSamples), Sync == 0x55 ? DoorAnswer : Silence)
             << Sync;
     }
 }
@@ -97,7 +98,7 @@ TEST(SlaveNode, AnswersToNoOtherIdentifierAndToNoWrongParity)
 TEST(SlaveNode, HearsAHeaderWhoseBytesStandApart)
 {
     SimulatedBus Bus = BusWith(Door());
-    SampleStream Stream;
+    CommanderStream Stream;
     Stream.Break().Idle(5).Byte(0x55).Idle(7).Byte(Protected3D);
     const std::size_t Header = Stream.Samples();
     EXPECT_EQ(Decode(Exchange(Bus, Stream.Idle(140)), Header), DoorAnswer);
@@ -114,8 +115,8 @@ TEST(SlaveNode, AnswersAfterItsResponseSpaceToTheSample)
         SlaveDescription Slave = Door();
         Slave.ResponseSpace = Bits;
         SimulatedBus Bus = BusWith(Slave);
-        const Bytes In = Exchange(Bus, SampleStream().Request(Protected3D));
-        EXPECT_EQ(FirstDominant(In, SampleStream::HeaderSamples), SampleStream::HeaderSamples + Samples) << Bits;
+        const Bytes In = Exchange(Bus, CommanderStream().Request(Protected3D));
+        EXPECT_EQ(FirstDominant(In, CommanderStream::HeaderSamples), CommanderStream::HeaderSamples + Samples) << Bits;
     }
 }
 
@@ -124,40 +125,40 @@ TEST(SlaveNode, CopiesWhatItLastReceived)
     SimulatedBus Bus = BusWith(Door());
     EXPECT_EQ(Read(Bus, Protected21), Silence);
 
-    Exchange(Bus, SampleStream().Frame(Protected20, {0x01, 0x02, 0xDC}));
+    Exchange(Bus, CommanderStream().Frame(Protected20, {0x01, 0x02, 0xDC}));
     EXPECT_EQ(Read(Bus, Protected21), (Decoded{{0x01, 0x02, 0x9B}}));
     EXPECT_EQ(Read(Bus, Protected21), (Decoded{{0x01, 0x02, 0x9B}})) << "an answer does not use the data up";
 
-    Exchange(Bus, SampleStream().Frame(Protected20, {0x11, 0x22, 0x33, 0x44, 0x55, 0x66, 0x77, 0x88, 0x99}));
+    Exchange(Bus, CommanderStream().Frame(Protected20, {0x11, 0x22, 0x33, 0x44, 0x55, 0x66, 0x77, 0x88, 0x99}));
     const Bytes Longest{0x11, 0x22, 0x33, 0x44, 0x55, 0x66, 0x77, 0x88};
     Bytes Classic = Longest;
     Classic.push_back(Checksum(0, Longest));
     Bytes Expected = Longest;
     Expected.push_back(Checksum(Protected21, Longest));
-    Exchange(Bus, SampleStream().Frame(Protected20, Classic));
+    Exchange(Bus, CommanderStream().Frame(Protected20, Classic));
     EXPECT_EQ(Read(Bus, Protected21), (Decoded{Expected}));
 }
 
 TEST(SlaveNode, KeepsItsDataWhenAFrameIsDamaged)
 {
-    SampleStream BrokenByte;
+    CommanderStream BrokenByte;
     BrokenByte.Header(Protected20).Byte(0x01).Byte(0xDE).Level(8, 0).Level(8, 1).Level(72, 0).Idle(2);
     struct DamageCase {
         const char* What;
-        SampleStream Stream;
+        CommanderStream Stream;
     };
     const std::vector<DamageCase> Cases = {
-        {"wrong checksum", SampleStream().Frame(Protected20, {0x01, 0x02, 0xDD})},
-        {"checksum alone", SampleStream().Frame(Protected20, {0xFF})},
-        {"no response", SampleStream().Frame(Protected20, {})},
-        {"nine data bytes", SampleStream().Frame(Protected20, {1, 1, 1, 1, 1, 1, 1, 1, 1, 0xF6})},
+        {"wrong checksum", CommanderStream().Frame(Protected20, {0x01, 0x02, 0xDD})},
+        {"checksum alone", CommanderStream().Frame(Protected20, {0xFF})},
+        {"no response", CommanderStream().Frame(Protected20, {})},
+        {"nine data bytes", CommanderStream().Frame(Protected20, {1, 1, 1, 1, 1, 1, 1, 1, 1, 0xF6})},
         {"a byte whose stop bit is dominant", BrokenByte},
-        {"another identifier", SampleStream().Frame(0x50, {0x01, 0x02, 0xFC})},
-        {"wrong parity", SampleStream().Frame(0xA0, {0x01, 0x02, 0xFC})},
+        {"another identifier", CommanderStream().Frame(0x50, {0x01, 0x02, 0xFC})},
+        {"wrong parity", CommanderStream().Frame(0xA0, {0x01, 0x02, 0xFC})},
     };
     for (const auto& [What, Stream] : Cases) {
         SimulatedBus Bus = BusWith(Door());
-        Exchange(Bus, SampleStream().Frame(Protected20, {0xAB, 0x54}));
+        Exchange(Bus, CommanderStream().Frame(Protected20, {0xAB, 0x54}));
         Exchange(Bus, Stream);
         EXPECT_EQ(Read(Bus, Protected21), (Decoded{{0xAB, 0xF2}})) << What;
     }

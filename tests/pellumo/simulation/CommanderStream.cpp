@@ -1,4 +1,4 @@
-#include "tests/pellumo/simulation/SampleStream.h"
+#include "tests/pellumo/simulation/CommanderStream.h"
 
 namespace Pellumo::Testing {
 
@@ -11,7 +11,7 @@ int At(std::span<const std::uint8_t> Samples, std::size_t Index)
 
 } // namespace
 
-SampleStream& SampleStream::Level(std::size_t Samples, int Value)
+CommanderStream& CommanderStream::Level(std::size_t Samples, int Value)
 {
     Data_.resize((Samples_ + Samples + 7) / 8, 0xFF);
     for (; Samples > 0; --Samples, ++Samples_) {
@@ -22,12 +22,12 @@ SampleStream& SampleStream::Level(std::size_t Samples, int Value)
     return *this;
 }
 
-SampleStream& SampleStream::Break(std::size_t Samples)
+CommanderStream& CommanderStream::Break(std::size_t Samples)
 {
     return Level(Samples, 0).Level(SamplesPerBit, 1);
 }
 
-SampleStream& SampleStream::Byte(std::uint8_t Value)
+CommanderStream& CommanderStream::Byte(std::uint8_t Value)
 {
     Level(SamplesPerBit, 0);
     for (int k = 0; k < 8; ++k) {
@@ -36,22 +36,22 @@ SampleStream& SampleStream::Byte(std::uint8_t Value)
     return Level(SamplesPerBit, 1);
 }
 
-SampleStream& SampleStream::Header(std::uint8_t ProtectedIdentifier)
+CommanderStream& CommanderStream::Header(std::uint8_t ProtectedIdentifier)
 {
     return Break().Byte(0x55).Byte(ProtectedIdentifier);
 }
 
-SampleStream& SampleStream::Idle(std::size_t Bits)
+CommanderStream& CommanderStream::Idle(std::size_t Bits)
 {
     return Level(Bits * SamplesPerBit, 1);
 }
 
-SampleStream& SampleStream::Request(std::uint8_t ProtectedIdentifier)
+CommanderStream& CommanderStream::Request(std::uint8_t ProtectedIdentifier)
 {
     return Header(ProtectedIdentifier).Idle(140);
 }
 
-SampleStream& SampleStream::Frame(std::uint8_t ProtectedIdentifier, const Bytes& Response)
+CommanderStream& CommanderStream::Frame(std::uint8_t ProtectedIdentifier, const Bytes& Response)
 {
     Header(ProtectedIdentifier);
     for (const std::uint8_t Value : Response) {

@@ -13,20 +13,21 @@ namespace Pellumo::Testing {
 using Bytes = std::vector<std::uint8_t>;
 
 /// 8 samples to a bit, as the pieces of a frame follow each other.
-class SampleStream {
+class CommanderStream {
 public:
     static constexpr std::size_t SamplesPerBit = 8;
     static constexpr std::size_t BreakSamples = 13 * SamplesPerBit;
     /// Samples from the start of the break to the end of the identifier, for a break of `BreakSamples`.
     static constexpr std::size_t HeaderSamples = BreakSamples + 21 * SamplesPerBit;
 
-    SampleStream& Level(std::size_t Samples, int Value);
-    SampleStream& Break(std::size_t Samples = BreakSamples); ///< with a delimiter of one bit
-    SampleStream& Byte(std::uint8_t Value);                  ///< framed by start and stop bit
-    SampleStream& Header(std::uint8_t ProtectedIdentifier);  ///< break, sync field, identifier
-    SampleStream& Idle(std::size_t Bits);                    ///< recessive
-    SampleStream& Request(std::uint8_t ProtectedIdentifier); ///< header and 14 byte slots for the answer
-    SampleStream& Frame(std::uint8_t ProtectedIdentifier, const Bytes& Response); ///< header and bytes, then 1 bit idle
+    CommanderStream& Level(std::size_t Samples, int Value);
+    CommanderStream& Break(std::size_t Samples = BreakSamples); ///< with a delimiter of one bit
+    CommanderStream& Byte(std::uint8_t Value);                  ///< framed by start and stop bit
+    CommanderStream& Header(std::uint8_t ProtectedIdentifier);  ///< break, sync field, identifier
+    CommanderStream& Idle(std::size_t Bits);                    ///< recessive
+    CommanderStream& Request(std::uint8_t ProtectedIdentifier); ///< header and 14 byte slots for the answer
+    CommanderStream& Frame(std::uint8_t ProtectedIdentifier,
+                           const Bytes& Response); ///< header and bytes, then 1 bit idle
 
     std::size_t Samples() const noexcept { return Samples_; }
     /// The stream, filled up with recessive samples to whole bytes.

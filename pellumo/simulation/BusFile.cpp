@@ -11,8 +11,8 @@
 #include <array>
 #include <cerrno>
 #include <fstream>
-#include <iterator>
 #include <map>
+#include <sstream>
 #include <system_error>
 
 namespace Pellumo {
@@ -118,14 +118,14 @@ BusDescription ReadBus(const CheckedTable& File)
 
 BusDescription ReadBusFile(const std::string& Path)
 {
-    errno = 0;
     std::ifstream File(Path, std::ios::binary);
-    const std::string Text{std::istreambuf_iterator<char>(File), {}};
-    if (!File.is_open() || errno != 0) {
+    std::ostringstream Text;
+    Text << File.rdbuf();
+    if (!File.is_open() || Text.bad()) {
         Tarvix::Raise(errPellumo::errBusFile, "BusFile",
                       FormatText("%1: cannot be read (%2)", {Path, std::generic_category().message(errno)}));
     }
-    return ParseBusFile(Text, Path);
+    return ParseBusFile(Text.str(), Path);
 }
 
 BusDescription ParseBusFile(std::string_view Text, std::string_view Name)

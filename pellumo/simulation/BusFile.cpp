@@ -12,7 +12,6 @@
 #include <cerrno>
 #include <fstream>
 #include <map>
-#include <sstream>
 #include <system_error>
 
 namespace Pellumo {
@@ -119,13 +118,16 @@ BusDescription ReadBus(const CheckedTable& File)
 BusDescription ReadBusFile(const std::string& Path)
 {
     std::ifstream File(Path, std::ios::binary);
-    std::ostringstream Text;
-    Text << File.rdbuf();
-    if (!File.is_open() || Text.bad()) {
+    std::string Text;
+    std::array<char, 4096> Block{};
+    while (File.read(Block.data(), Block.size()) || File.gcount() > 0) {
+        Text.append(Block.data(), static_cast<std::size_t>(File.gcount()));
+    }
+    if (!File.is_open() || File.bad()) {
         Tarvix::Raise(errPellumo::errBusFile, "BusFile",
                       FormatText("%1: cannot be read (%2)", {Path, std::generic_category().message(errno)}));
     }
-    return ParseBusFile(Text.str(), Path);
+    return ParseBusFile(Text, Path);
 }
 
 BusDescription ParseBusFile(std::string_view Text, std::string_view Name)

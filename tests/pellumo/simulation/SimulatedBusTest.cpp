@@ -1,8 +1,11 @@
 #include "pellumo/simulation/ExampleBus.h"
 #include "tests/pellumo/simulation/Exchanges.h"
+#include "tests/support/AllocationCounter.h"
 #include "tests/support/Random.h"
 
 #include <gtest/gtest.h>
+
+#include <algorithm>
 
 namespace Pellumo::Testing {
 
@@ -95,6 +98,22 @@ TEST(SimulatedBus, IsTheSameWhetherOrNotItIsReadAndWhenNothingIsClocked)
     Bus.Clock(CommanderStream().Frame(Protected20, {0x01, 0x02, 0xDC}).Data(), {}, Ticks19200);
     Bus.Clock(CommanderStream().Break().Data(), {}, Ticks19200);
     EXPECT_EQ(Read(Bus, Protected21), (Decoded{{0x01, 0x02, 0x9B}}));
+}
+
+TEST(SimulatedBus, AllocatesNothingHoweverLongItRuns)
+{
+    Tarvix::Testing::Random Random;
+    for (const BusDescription& Description : {ExampleBus(), BadBus(1)}) {
+        SimulatedBus Bus(Description);
+        const Bytes Stream = MixedTraffic(Random).Data();
+        Bytes In(Stream.size());
+        Bus.Clock(Stream, In, Ticks19200); // buffers grow to what answers need
+        const std::size_t Before = Tarvix::Testing::Allocations();
+        for (int k = 0; k < 10; ++k) {
+            Bus.Clock(Stream, In, Ticks19200);
+        }
+        EXPECT_EQ(Tarvix::Testing::Allocations(), Before);
+    }
 }
 
 TEST(SimulatedBus, ShowsNobodyALevelThatIsHeldBetweenStreams)

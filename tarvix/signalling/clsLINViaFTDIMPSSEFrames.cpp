@@ -1,0 +1,105 @@
+#include "tarvix/common/CheckedArithmetic.h"
+#include "tarvix/common/ErrorNumbers.h"
+#include "tarvix/signalling/clsLINViaFTDIMPSSE.h"
+#include "tarvix/signalling/eBit.h"
+
+#include <cstddef>
+
+namespace Tarvix {
+
+namespace {
+
+constexpr std::int32_t FramedBits = 10;                 // start bit, eight data bits, stop bit
+constexpr std::int32_t HeaderBits = 1 + 2 * FramedBits; // delimiter, sync field, identifier field
+constexpr std::int32_t ResponseBits = 14 * FramedBits;
+
+[[noreturn]] void RaiseMismatch()
+{
+    Raise(errLINViaFTDIMPSSE::errTxRxMismatch, "clsLINViaFTDIMPSSE", "Transmission corrupted, Tx <> Rx");
+}
+
+[[noreturn]] void RaiseFraming()
+{
+    Raise(errLINViaFTDIMPSSE::errFraming, "clsLINViaFTDIMPSSE", "Framing error");
+}
+
+template <typename Byte>
+Byte& At(std::span<Byte> Bytes, std::int32_t Index)
+{
+    if (static_cast<std::size_t>(Index) >= Bytes.size()) {
+        Raise(errGeneral::errIndexOutOfRange);
+    }
+    return Bytes[static_cast<std::size_t>(Index)];
+}
+
+} // namespace
+
+void clsLINViaFTDIMPSSE::LINTransmit(std::int32_t BreakWidth, std::uint8_t SyncField, std::uint8_t ID,
+                                     std::span<const std::uint8_t> TxData, std::int32_t TxDataLen)
+{
+    if (TxDataLen < 0) {
+        Raise(errGeneral::errInvalidArgument);
+    }
+    Buffer_.InitializeData(BreakWidth, CheckedAdd(CheckedMultiply(FramedBits, TxDataLen), HeaderBits));
+    WriteHeader(BreakWidth, SyncField, ID);
+    const std::int32_t StartSamplePoint = Buffer_.DataLengthSamples();
+    for (std::int32_t i = 0; i < TxDataLen; ++i) {
+        Buffer_.WriteFramedByte(At(TxData, i));
+    }
+    ExchangeStream(StartSamplePoint);
+
+    std::int32_t Count = 0;
+    while (WaitForStartEdge()) {
+        const std::uint8_t Received = ReadFramedByte();
+        if (At(TxData, Count) != Received) {
+            RaiseMismatch();
+        }
+        ++Count;
+    }
+    if (Count != TxDataLen) {
+        RaiseMismatch();
+    }
+}
+
+void clsLINViaFTDIMPSSE::LINReceive(std::int32_t BreakWidth, std::uint8_t SyncField, std::uint8_t ID,
+                                    std::span<std::uint8_t> RxData, std::int32_t& RxDataLen)
+{
+    Buffer_.InitializeData(BreakWidth, HeaderBits + ResponseBits);
+    WriteHeader(BreakWidth, SyncField, ID);
+    const std::int32_t StartSamplePoint = Buffer_.DataLengthSamples();
+    Buffer_.WriteSamples(ResponseBits * SamplesPerBit, eb1);
+    ExchangeStream(StartSamplePoint);
+
+    RxDataLen = 0;
+    while (WaitForStartEdge()) {
+        const std::uint8_t Received = ReadFramedByte();
+        At(RxData, RxDataLen) = Received;
+        ++RxDataLen;
+    }
+}
+
+void clsLINViaFTDIMPSSE::WriteHeader(std::int32_t BreakWidth, std::uint8_t SyncField, std::uint8_t ID)
+{
+    WriteBreak(BreakWidth);
+    Buffer_.WriteFramedByte(SyncField);
+    Buffer_.WriteFramedByte(ID);
+}
+
+bool clsLINViaFTDIMPSSE::WaitForStartEdge()
+{
+    return !Buffer_.EndOfData() && Buffer_.WaitForSample(eb0);
+}
+
+std::uint8_t clsLINViaFTDIMPSSE::ReadFramedByte()
+{
+    if (Buffer_.SampleBit() != eb0) {
+        RaiseFraming();
+    }
+    const std::uint8_t DataByte = Buffer_.SampleByteLSB();
+    if (Buffer_.SampleHalfBit() != eb1) {
+        RaiseFraming();
+    }
+    return DataByte;
+}
+
+} // namespace Tarvix

@@ -1,0 +1,250 @@
+#include "tarvix/signalling/clsOversamplingBuffer.h"
+
+#include "tarvix/common/CheckedArithmetic.h"
+#include "tarvix/common/ErrorNumbers.h"
+#include "tarvix/signalling/PackedSamples.h"
+
+#include <algorithm>
+#include <bit>
+#include <cstddef>
+
+namespace Tarvix {
+
+namespace {
+
+constexpr std::int32_t GrowthBytes = 32;
+
+// The word-wise roads are for the ratio that the bus is driven with: one byte of samples per bit.
+constexpr std::int32_t ByteRatio = 8;
+
+std::size_t ByteOf(std::int32_t Sample) noexcept
+{
+    return static_cast<std::size_t>(Sample) / 8;
+}
+
+unsigned BitOf(std::int32_t Sample) noexcept
+{
+    return static_cast<unsigned>(Sample) % 8;
+}
+
+void Assign(std::uint8_t& Byte, unsigned Mask, bool One) noexcept
+{
+    Byte = static_cast<std::uint8_t>(One ? Byte | Mask : Byte & ~Mask);
+}
+
+// First <= Last: the samples First up to, not including, Last.
+void Fill(std::span<std::uint8_t> Bytes, std::int32_t First, std::int32_t Last, bool One) noexcept
+{
+    const std::size_t FirstByte = ByteOf(First);
+    const std::size_t LastByte = ByteOf(Last);
+    const unsigned FromFirst = 0xFFU << BitOf(First);
+    const unsigned BelowLast = 0xFFU >> (8 - BitOf(Last));
+    if (FirstByte == LastByte) {
+        if (First != Last) {
+            Assign(Bytes[FirstByte], FromFirst & BelowLast, One);
+        }
+        return;
+    }
+    Assign(Bytes[FirstByte], FromFirst, One);
+    std::fill(Bytes.begin() + static_cast<std::ptrdiff_t>(FirstByte) + 1,
+              Bytes.begin() + static_cast<std::ptrdiff_t>(LastByte), One ? std::uint8_t{0xFF} : std::uint8_t{0});
+    if (BelowLast != 0) {
+        Assign(Bytes[LastByte], BelowLast, One);
+    }
+}
+
+// The first sample of `Wanted` at or after `First` and before `Limit`; else `Limit`.
+std::int64_t Find(std::span<const std::uint8_t> Bytes, std::int64_t First, std::int64_t Limit, bool Wanted) noexcept
+{
+    const std::uint64_t Flip = Wanted ? 0 : ~std::uint64_t{0};
+    const auto End = static_cast<std::size_t>((Limit + 7) / 8);
+    auto Byte = static_cast<std::size_t>(First / 8);
+    auto Bits = (Bytes[Byte] ^ Flip) & 0xFF & (std::uint64_t{0xFF} << (First % 8));
+    while (Bits == 0) {
+        ++Byte;
+        while (Byte + 8 <= End && (Bits = LoadWord(&Bytes[Byte]) ^ Flip) == 0) {
+            Byte += 8;
+        }
+        if (Bits != 0) {
+            break;
+        }
+        if (Byte >= End) {
+            return Limit;
+        }
+        Bits = (Bytes[Byte] ^ Flip) & 0xFF;
+    }
+    return std::min(Limit, static_cast<std::int64_t>(Byte) * 8 + std::countr_zero(Bits));
+}
+
+} // namespace
+
+void clsOversamplingBuffer::Initialize(std::int32_t OversamplingRatio, std::int32_t IdleValue) noexcept
+{
+    OversamplingRatio_ = OversamplingRatio;
+    IdleValue_ = IdleValue;
+}
+
+void clsOversamplingBuffer::InitializeData(std::int32_t Samples, std::int32_t Bits)
+{
+    const std::int32_t Total = CheckedAdd(Samples, CheckedMultiply(OversamplingRatio_, Bits));
+    if (Total < 0) {
+        Raise(errGeneral::errInvalidArgument);
+    }
+    Bytes_.assign(ByteOf(Total) + (BitOf(Total) != 0 ? 1 : 0), IdleByte());
+    Length_ = 0;
+}
+
+void clsOversamplingBuffer::WriteSamples(std::int32_t Samples, std::int32_t Value)
+{
+    if (Samples < 0) {
+        Raise(errGeneral::errInvalidArgument);
+    }
+    const std::int32_t NewLength = CheckedAdd(Length_, Samples);
+    ReserveSamples(NewLength);
+    Fill(Bytes_, Length_, NewLength, Value == 1);
+    Length_ = NewLength;
+}
+
+void clsOversamplingBuffer::WriteBit(std::int32_t Value)
+{
+    WriteSamples(OversamplingRatio_, Value);
+}
+
+void clsOversamplingBuffer::WriteByteLSB(std::uint8_t DataByte)
+{
+    for (unsigned k = 0; k < 8; ++k) {
+        WriteBit(DataByte >> k & 1);
+    }
+}
+
+void clsOversamplingBuffer::WriteByteMSB(std::uint8_t DataByte)
+{
+    for (unsigned k = 8; k-- > 0;) {
+        WriteBit(DataByte >> k & 1);
+    }
+}
+
+void clsOversamplingBuffer::WriteFramedByte(std::uint8_t DataByte)
+{
+    if (OversamplingRatio_ != ByteRatio) {
+        WriteBit(0);
+        WriteByteLSB(DataByte);
+        WriteBit(1);
+        return;
+    }
+    const std::int32_t NewLength = CheckedAdd(Length_, 10 * ByteRatio);
+    ReserveSamples(NewLength);
+
+    // 80 samples in time order: one byte of zeros, the spread byte, one byte of ones; then moved up to the bit where
+    // the stream stands, which leaves the samples below it as they are.
+    const std::uint64_t Spread = SpreadBits(DataByte);
+    const std::uint64_t Low = Spread << 8;
+    const std::uint64_t High = Spread >> 56 | 0xFF00;
+    const unsigned Shift = BitOf(Length_);
+    std::uint8_t* const Bytes = &Bytes_[ByteOf(Length_)];
+    const std::uint64_t Before = Bytes[0] & ((1U << Shift) - 1);
+    const std::uint64_t Upper = Shift == 0 ? High : High << Shift | Low >> (64 - Shift);
+    StoreWord(Bytes, Low << Shift | Before);
+    Bytes[8] = static_cast<std::uint8_t>(Upper);
+    Bytes[9] = static_cast<std::uint8_t>(Upper >> 8);
+    if (Shift != 0) {
+        Assign(Bytes[10], (1U << Shift) - 1, true);
+    }
+    Length_ = NewLength;
+}
+
+void clsOversamplingBuffer::InputData(std::span<const std::uint8_t> Data, std::int32_t DataLengthSamples,
+                                      std::int32_t StartSamplePoint)
+{
+    Bytes_.assign(Data.begin(), Data.end());
+    Length_ = DataLengthSamples;
+    Position_ = StartSamplePoint;
+}
+
+std::int32_t clsOversamplingBuffer::CurrentSample() const
+{
+    if (EndOfData()) {
+        Raise(errOversamplingBuffer::errNoMoreData, "clsOversamplingBuffer",
+              "Cannot sample input signal, no more data");
+    }
+    if (Position_ < 0 || Position_ >= ReadableSamples()) {
+        Raise(errGeneral::errIndexOutOfRange);
+    }
+    return Bytes_[ByteOf(Position_)] >> BitOf(Position_) & 1;
+}
+
+bool clsOversamplingBuffer::WaitForSample(std::int32_t Value)
+{
+    if (CurrentSample() == Value) {
+        return true;
+    }
+    const std::int64_t Limit = ReadableSamples();
+    // A value that is no level never comes.
+    const std::int64_t Found = Value == 0 || Value == 1 ? Find(Bytes_, Position_, Limit, Value == 1) : Limit;
+    Position_ = static_cast<std::int32_t>(Found);
+    if (Found == Limit && Limit < Length_) {
+        Raise(errGeneral::errIndexOutOfRange);
+    }
+    return Found < Limit;
+}
+
+std::int32_t clsOversamplingBuffer::SampleBit()
+{
+    const std::int32_t Start = Position_;
+    const std::int32_t Sample = SampleHalfBit();
+    Position_ = CheckedAdd(Start, OversamplingRatio_);
+    return Sample;
+}
+
+std::int32_t clsOversamplingBuffer::SampleHalfBit()
+{
+    Position_ = CheckedAdd(Position_, OversamplingRatio_ / 2);
+    return CurrentSample();
+}
+
+std::uint8_t clsOversamplingBuffer::SampleByteLSB()
+{
+    const std::int64_t FirstMiddle = std::int64_t{Position_} + ByteRatio / 2;
+    const std::int64_t LastMiddle = FirstMiddle + 7 * ByteRatio;
+    if (OversamplingRatio_ == ByteRatio && Position_ >= 0 && LastMiddle < ReadableSamples()) {
+        // The eight middles are the same bit of eight bytes in a row.
+        const auto Middle = static_cast<std::int32_t>(FirstMiddle);
+        Position_ = CheckedAdd(Position_, 8 * ByteRatio);
+        return GatherBits(LoadWord(&Bytes_[ByteOf(Middle)]) >> BitOf(Middle));
+    }
+    std::int32_t DataByte = 0;
+    for (unsigned k = 0; k < 8; ++k) {
+        DataByte |= SampleBit() << k;
+    }
+    return static_cast<std::uint8_t>(DataByte);
+}
+
+std::uint8_t clsOversamplingBuffer::SampleByteMSB()
+{
+    std::int32_t DataByte = 0;
+    for (unsigned k = 0; k < 8; ++k) {
+        DataByte = DataByte << 1 | SampleBit();
+    }
+    return static_cast<std::uint8_t>(DataByte);
+}
+
+void clsOversamplingBuffer::ReserveSamples(std::int32_t Length)
+{
+    const std::size_t Needed = ByteOf(Length) + (BitOf(Length) != 0 ? 1 : 0);
+    if (Needed > Bytes_.size()) {
+        const std::size_t Growths = (Needed - Bytes_.size() + GrowthBytes - 1) / GrowthBytes;
+        Bytes_.resize(Bytes_.size() + Growths * GrowthBytes, IdleByte());
+    }
+}
+
+std::uint8_t clsOversamplingBuffer::IdleByte() const
+{
+    return CheckedNarrow<std::uint8_t>(std::int64_t{IdleValue_} * 255);
+}
+
+std::int64_t clsOversamplingBuffer::ReadableSamples() const noexcept
+{
+    return std::min(std::int64_t{Length_}, static_cast<std::int64_t>(Bytes_.size()) * 8);
+}
+
+} // namespace Tarvix

@@ -34,6 +34,22 @@ std::string Hexadecimal(std::uint16_t Value)
     return std::string("0x").append(4 - Count, '0').append(Digits.data(), Count);
 }
 
+std::string VendorName(std::uint16_t Vendor)
+{
+    return Vendor == MakersVendor ? "ftdi" : Hexadecimal(Vendor);
+}
+
+// How a URL names the product: "232h" for an FT232H, a number for a chip whose identifier was changed.
+std::string ProductInURL(const USBChip& Chip)
+{
+    if (!Chip.Family || FactsOf(*Chip.Family).USBProduct != Chip.Product) {
+        return Hexadecimal(Chip.Product);
+    }
+    std::string Name = FactsOf(*Chip.Family).Name + 2;
+    Name.back() = static_cast<char>(Name.back() - 'A' + 'a');
+    return Name;
+}
+
 // The serial number, or libusb's code when the device cannot be opened or asked.
 int ReadSerial(libusb_device* Device, std::uint8_t StringIndex, std::string& Serial)
 {
@@ -69,7 +85,7 @@ USBChip Describe(libusb_device* Device, const libusb_device_descriptor& Descript
 
 std::string TextOf(const ChipAddress& Address)
 {
-    std::string Text = std::string("ftdi://").append(Hexadecimal(Address.Vendor.value_or(MakersVendor))).append(":");
+    std::string Text = std::string("ftdi://").append(VendorName(Address.Vendor.value_or(MakersVendor))).append(":");
     Text.append(Address.Product ? Hexadecimal(*Address.Product) : "");
     if (Address.Serial) {
         Text.append(":").append(*Address.Serial);
@@ -137,7 +153,7 @@ std::string USBChip::ProductName() const
 
 std::string USBChip::URL(int Interface) const
 {
-    std::string Text = std::string("ftdi://").append(Hexadecimal(Vendor)).append(":").append(Hexadecimal(Product));
+    std::string Text = std::string("ftdi://").append(VendorName(Vendor)).append(":").append(ProductInURL(*this));
     if (!Serial.empty()) {
         Text.append(":").append(Serial);
     }

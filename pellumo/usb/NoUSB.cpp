@@ -21,7 +21,7 @@ std::vector<FoundDevice> FindDevices()
     RaiseNoUSBSupport();
 }
 
-OpenedUSBTransport OpenUSBTransport(const ChipAddress& /*Address*/, std::chrono::milliseconds /*RequestLimit*/)
+OpenedUSBTransport OpenUSBTransport(const ChipAddress& /*Address*/)
 {
     RaiseNoUSBSupport();
 }

@@ -34,6 +34,11 @@ std::string Hexadecimal(std::uint16_t Value)
     return std::string("0x").append(4 - Count, '0').append(Digits.data(), Count);
 }
 
+std::pair<int, int> PlaceOf(const USBChip& Chip) noexcept
+{
+    return {libusb_get_bus_number(Chip.Device.get()), libusb_get_device_address(Chip.Device.get())};
+}
+
 std::string VendorName(std::uint16_t Vendor)
 {
     return Vendor == MakersVendor ? "ftdi" : Hexadecimal(Vendor);
@@ -119,7 +124,7 @@ void RequireEngine(const USBChip& Chip, int Interface)
                           .append(") has no MPSSE engine. Use an FT232H, FT2232H, FT4232H or FT2232D"));
     }
     const ChipFacts& Facts = FactsOf(*Chip.Family);
-    const std::string Limit = std::string("Use one of 1 to ").append(std::to_string(Facts.Engines));
+    const std::string_view Limit = Facts.Engines == 1 ? "Use 1" : "Use 1 or 2";
     if (Interface < 1 || Interface > Facts.Interfaces) {
         Tarvix::Raise(
             errPellumo::errNotFound, Source,
@@ -187,6 +192,7 @@ std::vector<USBChip> ListChips(const ftdi_context& Context, std::uint16_t Vendor
             Chips.push_back(Describe(Device, Descriptor));
         }
     }
+    std::sort(Chips.begin(), Chips.end(), [](const USBChip& A, const USBChip& B) { return PlaceOf(A) < PlaceOf(B); });
     return Chips;
 }
 

@@ -14,17 +14,20 @@ namespace {
 
 constexpr std::string_view Source = "USBPort";
 
+// How long the chip may take to answer one request (ms).
+constexpr int RequestLimit = 1000;
+
 // The chip ends a read with what it has, be it nothing, when this time is over; the longest that it can be told (ms).
 // An answer that is complete earlier is flushed by the commands themselves, so nobody waits for it.
 constexpr unsigned char LatencyTimer = 255;
 
 } // namespace
 
-USBPort::USBPort(FTDIContext Context, USBChip Chip, int Interface, std::chrono::milliseconds RequestLimit)
+USBPort::USBPort(FTDIContext Context, USBChip Chip, int Interface)
     : Context_(std::move(Context)), Chip_(std::move(Chip)), Name_(Chip_.URL(Interface)), Interface_(Interface)
 {
-    Context_->usb_read_timeout = static_cast<int>(RequestLimit.count());
-    Context_->usb_write_timeout = static_cast<int>(RequestLimit.count());
+    Context_->usb_read_timeout = RequestLimit;
+    Context_->usb_write_timeout = RequestLimit;
     ftdi_set_interface(Context_.get(), static_cast<ftdi_interface>(Interface));
     FindEndpoints();
     Open();
@@ -119,9 +122,9 @@ void USBPort::Require(int Answer, std::string_view Action)
 int USBPort::CauseOfFailure()
 {
     unsigned char Latency = 0;
-    const int Code = libusb_control_transfer(Handle(), FTDI_DEVICE_IN_REQTYPE, SIO_GET_LATENCY_TIMER_REQUEST, 0,
-                                             static_cast<std::uint16_t>(Context_->index), &Latency, sizeof(Latency),
-                                             static_cast<unsigned int>(Context_->usb_read_timeout));
+    const int Code =
+        libusb_control_transfer(Handle(), FTDI_DEVICE_IN_REQTYPE, SIO_GET_LATENCY_TIMER_REQUEST, 0,
+                                static_cast<std::uint16_t>(Context_->index), &Latency, sizeof(Latency), RequestLimit);
     return Code < 0 ? Code : LIBUSB_ERROR_PIPE;
 }
 

@@ -5,7 +5,6 @@
 #include "pellumo/usb/Handles.h"
 #include "pellumo/usb/USBChips.h"
 
-#include <chrono>
 #include <cstddef>
 #include <string>
 #include <string_view>
@@ -18,12 +17,11 @@ constexpr std::size_t StatusBytes = 2;
 /// Opens and claims through libusb, which tells why it fails; the requests of the chip are libftdi's.
 class USBPort {
 public:
-    /// @param Context       taken over: the port closes it
-    /// @param Chip          listed by `Context`
-    /// @param Interface     numbered from 1, one that `Chip` has
-    /// @param RequestLimit  how long the chip may take to answer one request
+    /// @param Context    taken over: the port closes it
+    /// @param Chip       listed by `Context`
+    /// @param Interface  numbered from 1, one that `Chip` has
     /// @throws Tarvix::Error  as `OpenUSBTransport`; the port is given back then
-    USBPort(FTDIContext Context, USBChip Chip, int Interface, std::chrono::milliseconds RequestLimit);
+    USBPort(FTDIContext Context, USBChip Chip, int Interface);
     USBPort(USBPort&&) = default;
     USBPort& operator=(USBPort&&) = delete;
     /// Closes.

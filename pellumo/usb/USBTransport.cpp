@@ -180,12 +180,12 @@ void USBTransport::RequireOpen() const
     }
 }
 
-OpenedUSBTransport OpenUSBTransport(const ChipAddress& Address, std::chrono::milliseconds RequestLimit)
+OpenedUSBTransport OpenUSBTransport(const ChipAddress& Address)
 {
     FTDIContext Context = StartUSB();
     USBChip Chip = FindChip(*Context, Address);
     const ChipFamily Family = *Chip.Family;
-    USBPort Port(std::move(Context), std::move(Chip), Address.Interface, RequestLimit);
+    USBPort Port(std::move(Context), std::move(Chip), Address.Interface);
     return {std::make_unique<USBTransport>(std::move(Port)), Family};
 }
 

@@ -49,22 +49,21 @@ std::size_t FakeChipPort::TakeCommands(std::span<const std::uint8_t> Bytes)
 void FakeChipPort::BeginRead(Ticks Now) noexcept
 {
     LatencyStart_ = Now;
-    OwesStatusPacket_ = StatusPacketFirst;
 }
 
 std::optional<std::vector<std::uint8_t>> FakeChipPort::NextPacket(Ticks Now)
 {
     const std::size_t Room = PacketSize_ - Status.size();
-    if (Answers_.size() < Room && !Flush_ && !OwesStatusPacket_ && Now < LatencyEnd()) {
+    if (Answers_.size() < Room && !Flush_ && StatusPackets == 0 && Now < LatencyEnd()) {
         return std::nullopt;
     }
-    const std::size_t Available = OwesStatusPacket_ ? 0 : Answers_.size();
+    const std::size_t Available = StatusPackets > 0 ? 0 : Answers_.size();
     const auto Count = static_cast<std::ptrdiff_t>(std::min(Available, Room));
     std::vector<std::uint8_t> Packet(Status.begin(), Status.end());
     Packet.insert(Packet.end(), Answers_.begin(), Answers_.begin() + Count);
     Answers_.erase(Answers_.begin(), Answers_.begin() + Count);
     Flush_ = Flush_ && !Answers_.empty();
-    OwesStatusPacket_ = false;
+    StatusPackets -= std::min<std::size_t>(StatusPackets, 1);
     LatencyStart_ = Now;
     return Packet;
 }
@@ -102,7 +101,7 @@ void FakeChipPort::Execute(std::uint8_t Byte)
     FlushWhenDone_ = Piece && Piece->Head.Opcode == Commands::SendImmediate;
 }
 
-// The answer to a byte is there when the byte has left the pins.
+// The answer to a byte is there when the byte has left the pins. True when there is one, or a command to flush.
 bool FakeChipPort::CollectAnswers()
 {
     std::vector<std::uint8_t> Fresh(Chip_.Pending());

@@ -42,8 +42,8 @@ public:
 
     /// The next answers that come are lost, this many of them.
     std::size_t AnswersToLose = 0;
-    /// Every read begins with a packet of nothing but status, as if the latency timer had long run out.
-    bool StatusPacketFirst = false;
+    /// The next packets hold nothing but status, this many of them, as if the latency timer had run out just before.
+    std::size_t StatusPackets = 0;
 
     void SwitchEngine(bool On);
     void LatencyTimer(Ticks Value) noexcept { Latency_ = Value; }
@@ -79,7 +79,6 @@ private:
     Ticks BusyUntil_{};
     bool FlushWhenDone_ = false;
     bool Flush_ = false;
-    bool OwesStatusPacket_ = false;
     Ticks Latency_{};
     Ticks LatencyStart_{};
 };

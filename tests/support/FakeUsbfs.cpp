@@ -73,8 +73,12 @@ FakeUSBDevice& FakeUsbfs::Plug(ChipFamily Family, std::string Serial, Pins& Wire
 std::vector<std::string> FakeUsbfs::Names() const
 {
     std::vector<std::string> Found;
-    for (std::size_t k = 1; k <= Devices_.size(); ++k) {
-        Found.push_back(std::string("1-").append(std::to_string(k)));
+    std::size_t Number = 0;
+    for (const FakeUSBDevice& Device : Devices_) {
+        ++Number;
+        if (Device.IsPlugged()) {
+            Found.push_back(std::string("1-").append(std::to_string(Number)));
+        }
     }
     return Found;
 }
@@ -222,19 +226,24 @@ std::optional<int> FakeUsbfs::Poll(std::span<pollfd> Descriptors, int Millisecon
         return std::nullopt;
     }
     const Ticks End = Milliseconds < 0 ? Ticks::max() : Now_ + std::chrono::milliseconds(Milliseconds);
-    for (;;) {
-        Run();
+    const auto Look = [&] {
         const timespec NoWait{};
-        const int Ready = ::ppoll(Descriptors.data(), Descriptors.size(), &NoWait, nullptr);
-        if (Ready != 0 || Now_ >= End) {
-            return Ready;
-        }
+        return ::ppoll(Descriptors.data(), Descriptors.size(), &NoWait, nullptr);
+    };
+    Run();
+    int Ready = Look();
+    while (Ready == 0 && Now_ < End) {
         Now_ = NextStep(End);
         Require(Now_ < EndOfTime, "end the wait: nothing is coming, and there is no deadline");
+        if (Run()) {
+            Ready = Look();
+        }
     }
+    return Ready;
 }
 
-void FakeUsbfs::Run()
+// True when a device has something to tell.
+bool FakeUsbfs::Run()
 {
     for (FakeUSBDevice& Device : Devices_) {
         Device.Run(Now_);
@@ -242,6 +251,8 @@ void FakeUsbfs::Run()
     for (auto& [Descriptor, Each] : Open_) {
         ShowReadiness(Descriptor, Each);
     }
+    return std::any_of(Open_.begin(), Open_.end(),
+                       [](const auto& Each) { return Each.second.Ready || Each.second.ReadEnd < 0; });
 }
 
 Ticks FakeUsbfs::NextStep(Ticks Limit) const

@@ -65,7 +65,7 @@ private:
     int OpenNode(FakeUSBDevice* Device);
     int Dispatch(int Descriptor, FakeUSBDevice& Device, unsigned long Request, void* Argument);
     static void ShowReadiness(int Descriptor, OpenDevice& Each);
-    void Run();
+    bool Run();
     Ticks NextStep(Ticks Limit) const;
 
     std::list<FakeUSBDevice> Devices_;

@@ -45,7 +45,8 @@ struct BusEvent {
     std::int64_t ResponseBegin = 0;           ///< Write and Read: the sample after the identifier's stop bit
     std::int64_t ResponseEnd = 0; ///< Write and Read: where decoding ends; what follows fills the stream's last byte
     ResponseFault Fault = ResponseFault::None;
-    std::int64_t FaultSample = 0; ///< the sample that showed the fault; `ResponseEnd` for Truncated
+    std::int64_t FaultStartEdge = 0; ///< the first dominant sample of the byte at fault
+    std::int64_t FaultSample = 0;    ///< the sample that showed the fault; `ResponseEnd` for Truncated
 };
 
 } // namespace Pellumo

@@ -34,6 +34,7 @@ public:
 
 private:
     void DecodeExchange(BusEvent& Event);
+    static bool DecodeHeader(BusEvent& Event);
     bool DecodeSent(BusEvent& Event);
     void DecodeReceived(BusEvent& Event);
 

@@ -6,6 +6,7 @@
 #include "pellumo/recording/FrameDecoder.h"
 #include "pellumo/recording/SampleStream.h"
 
+#include <cstdint>
 #include <iosfwd>
 #include <string>
 #include <string_view>
@@ -40,6 +41,8 @@ private:
     std::string Title_;
     FrameDecoder Decoder_;
     std::string Rows_;
+    std::int64_t Width_; // tenths of a pixel
+    std::int64_t Height_ = 0;
     bool Finished_ = false;
 };
 

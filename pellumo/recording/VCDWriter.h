@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <iosfwd>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -34,18 +35,24 @@ public:
     void Finish();
 
 private:
-    struct Changes;
-    void WriteChange(std::int64_t Stamp, const Changes& Changed);
+    struct Wire {
+        char Code; // stands for the wire in the file
+        std::uint64_t Samples = 0;
+        bool IsHigh = true; // the last sample
+
+        std::uint64_t Load(std::span<const std::uint8_t> Bytes) noexcept;
+        void AppendChange(std::string& Text, std::uint64_t Changes, int k) const;
+    };
+    void WriteStamp(std::int64_t Stamp);
     void Flush();
 
     std::ostream& Out_;
     std::string Text_;
+    Wire Tx_{'!'};
+    Wire Rx_{'"'};
     std::int64_t LeadIn_ = 0;
     std::int64_t LastStamp_ = 0;
     std::int64_t EndStamp_ = 0;
-    std::int64_t TrailingBits_ = 0;
-    unsigned TxLevel_ = 1;
-    unsigned RxLevel_ = 1;
     bool Finished_ = false;
 };
 

@@ -11,7 +11,6 @@
 #include <array>
 #include <cerrno>
 #include <fstream>
-#include <iterator>
 #include <map>
 #include <system_error>
 
@@ -118,10 +117,13 @@ BusDescription ReadBus(const CheckedTable& File)
 
 BusDescription ReadBusFile(const std::string& Path)
 {
-    errno = 0;
     std::ifstream File(Path, std::ios::binary);
-    const std::string Text{std::istreambuf_iterator<char>(File), {}};
-    if (!File.is_open() || errno != 0) {
+    std::string Text;
+    std::array<char, 4096> Block{};
+    while (File.read(Block.data(), Block.size()) || File.gcount() > 0) {
+        Text.append(Block.data(), static_cast<std::size_t>(File.gcount()));
+    }
+    if (!File.is_open() || File.bad()) {
         Tarvix::Raise(errPellumo::errBusFile, "BusFile",
                       FormatText("%1: cannot be read (%2)", {Path, std::generic_category().message(errno)}));
     }

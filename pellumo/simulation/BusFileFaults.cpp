@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <array>
+#include <limits>
 
 namespace Pellumo {
 
@@ -150,8 +151,9 @@ void ReadFault(const CheckedTable& Table, BusDescription& Bus)
 
 std::uint8_t ReadIdentifier(const CheckedTable& Table, std::string_view Key)
 {
-    const std::int64_t Identifier = Table.Whole(Key, {});
-    if (Identifier > 0x3F) {
+    constexpr WholeRange Any{std::numeric_limits<std::int64_t>::min(), std::numeric_limits<std::int64_t>::max()};
+    const std::int64_t Identifier = Table.Whole(Key, Any);
+    if (Identifier < 0 || Identifier > 0x3F) {
         Table.FailAt(Key, FormatText("\"%1\" must be a frame identifier from 0x00 to 0x3F", {std::string(Key)}));
     }
     return static_cast<std::uint8_t>(Identifier);

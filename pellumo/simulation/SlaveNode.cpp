@@ -27,11 +27,6 @@ SlaveNode::SlaveNode(const SlaveDescription& Description, std::span<const Answer
     }
 }
 
-Tick SlaveNode::NextEvent() const noexcept
-{
-    return std::min(Transmitter_.NextChange(), Receiver_.EndOfIdentifier());
-}
-
 void SlaveNode::SeeEdge(int BusLevel)
 {
     BusLevel_ = BusLevel;

@@ -8,7 +8,6 @@
 #include "pellumo/simulation/Transmitter.h"
 
 #include <cstdint>
-#include <optional>
 #include <span>
 #include <vector>
 
@@ -44,7 +43,7 @@ public:
     }
 
     /// The next moment up to which the node must be advanced before its level can be told beyond it.
-    Tick NextEvent() const noexcept;
+    Tick NextEvent() const noexcept { return std::min(Transmitter_.NextChange(), Receiver_.EndOfIdentifier()); }
 
     /// Time passes: the bus keeps the level last told until `To`, which is not beyond `NextEvent`.
     void AdvanceTo(Tick To)

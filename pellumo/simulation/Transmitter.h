@@ -60,7 +60,7 @@ public:
     /// True when the middle of a bit being sent lies in [From, To) and the bus has another level than the node drives.
     bool Collides(int BusLevel, Tick From, Tick To) const noexcept
     {
-        return BusLevel != Level_ && SamplesBetween(From, To);
+        return BusLevel != Level_ && Bit_ != NextBit_ && SamplesBetween(From, To);
     }
 
 private:

@@ -1,5 +1,7 @@
 #include "tests/pellumo/simulation/CommanderStream.h"
 
+#include <ostream>
+
 namespace Pellumo::Testing {
 
 namespace {
@@ -77,6 +79,14 @@ Decoded Decode(std::span<const std::uint8_t> Samples, std::size_t First)
         Result.Received.push_back(static_cast<std::uint8_t>(Value));
     }
     return Result;
+}
+
+std::ostream& operator<<(std::ostream& Stream, const Decoded& Value)
+{
+    for (const int Byte : Value.Received) {
+        Stream << std::hex << Byte << std::dec << ' ';
+    }
+    return Stream << (Value.FramingError ? "framing error" : "");
 }
 
 std::size_t FirstDominant(std::span<const std::uint8_t> Samples, std::size_t First)

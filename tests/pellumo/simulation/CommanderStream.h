@@ -3,9 +3,8 @@
 #pragma once
 
 #include <cstdint>
-#include <initializer_list>
+#include <iosfwd>
 #include <span>
-#include <string>
 #include <vector>
 
 namespace Pellumo::Testing {
@@ -44,6 +43,7 @@ struct Decoded {
     Bytes Received;
     bool FramingError = false;
     bool operator==(const Decoded&) const = default;
+    friend std::ostream& operator<<(std::ostream& Stream, const Decoded& Value);
 };
 
 /// Decodes from sample `First` on.

@@ -1,6 +1,5 @@
 #include "pellumo/simulation/FrameBytes.h"
-#include "pellumo/simulation/SimulatedBus.h"
-#include "tests/pellumo/simulation/CommanderStream.h"
+#include "tests/pellumo/simulation/Exchanges.h"
 
 #include <gtest/gtest.h>
 
@@ -8,37 +7,11 @@ namespace Pellumo::Testing {
 
 namespace {
 
-constexpr Tick Ticks19200 = 390; // 153,846 samples a second
-constexpr std::uint8_t Protected3D = 0x7D;
-constexpr std::uint8_t Protected20 = 0x20;
-constexpr std::uint8_t Protected21 = 0x61;
-
 /// A bus that has the one node.
 SimulatedBus BusWith(const SlaveDescription& Slave)
 {
     return SimulatedBus(BusDescription{{Slave}});
 }
-
-SlaveDescription Door()
-{
-    return {"door", 0.0, 1.0, {{.Identifier = 0x3D, .Data = {0x12, 0x34}}, {.Identifier = 0x21, .Copies = 0x20}}};
-}
-
-Bytes Exchange(SimulatedBus& Bus, const CommanderStream& Stream, Tick SampleTicks = Ticks19200)
-{
-    Bytes In(Stream.Data().size());
-    Bus.Clock(Stream.Data(), In, SampleTicks);
-    return In;
-}
-
-Decoded Read(SimulatedBus& Bus, std::uint8_t ProtectedIdentifier, Tick SampleTicks = Ticks19200)
-{
-    return Decode(Exchange(Bus, CommanderStream().Request(ProtectedIdentifier), SampleTicks),
-                  CommanderStream::HeaderSamples);
-}
-
-const Decoded Silence{};
-const Decoded DoorAnswer{{0x12, 0x34, 0x3C}};
 
 } // namespace
 

@@ -260,13 +260,14 @@ std::size_t clsOversamplingBuffer::SampleFramedRun(std::span<std::uint8_t> DataB
     }
     while (Count < DataBytes.size() && Position < Limit) {
         Position = FindStartEdge(Bytes_, Position, Limit);
-        const std::int64_t StopMiddle = Position + ByteRatio / 2 + 9 * ByteRatio;
+        const std::int64_t StartMiddle = Position + ByteRatio / 2;
+        const std::int64_t StopMiddle = StartMiddle + std::int64_t{9} * ByteRatio;
         if (StopMiddle >= Limit) {
             break;
         }
         // The ten middles are the same bit of ten bytes in a row.
-        const auto Bit = static_cast<unsigned>((Position + ByteRatio / 2) % 8);
-        const std::uint8_t* const Start = &Bytes_[static_cast<std::size_t>(Position + ByteRatio / 2) / 8];
+        const auto Bit = static_cast<unsigned>(StartMiddle % 8);
+        const std::uint8_t* const Start = &Bytes_[static_cast<std::size_t>(StartMiddle / 8)];
         const unsigned StartBit = Start[0] >> Bit & 1U;
         const unsigned StopBit = Start[9] >> Bit & 1U;
         if (StartBit != 0 || StopBit != 1) {

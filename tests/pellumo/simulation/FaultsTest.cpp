@@ -139,7 +139,8 @@ TEST(WireFaults, SilenceANodeThatDoesNotFindItsOwnBit)
     };
     for (const auto& [What, Kind, Sample, Length, LastDominant] :
          {MonitorCase{"over the middle of a recessive bit", Effect::Dominant, 5 * 8 + 3, 2, 5 * 8 + 4},
-          {"beside the middle", Effect::Dominant, 5 * 8 + 5, 2, 231},
+          {"just before the middle", Effect::Dominant, 5 * 8 + 2, 2, 231},
+          {"just after the middle", Effect::Dominant, 5 * 8 + 5, 2, 231},
           {"over the middle of a dominant bit", Effect::Recessive, 3 * 8 + 3, 2, 3 * 8 + 2}}) {
         SimulatedBus Bus = DoorBusWith({{Kind, {.Frame = 0x3D, .Byte = 0, .Sample = Sample}, Length}});
         const Bytes In = Exchange(Bus, CommanderStream().Request(Protected3D));

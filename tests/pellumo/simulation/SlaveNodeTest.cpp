@@ -121,6 +121,16 @@ TEST(SlaveNode, AnswersAfterItsResponseSpaceToTheSample)
     }
 }
 
+TEST(SlaveNode, DropsAnAnswerWhenTheNextHeaderComesFirst)
+{
+    SlaveDescription Slave = Door();
+    Slave.ResponseSpace = 60;
+    SimulatedBus Bus = BusWith(Slave);
+    const Bytes In = Exchange(Bus, CommanderStream().Header(Protected3D).Idle(20).Header(0x00).Idle(100));
+    const std::size_t SecondHeader = 2 * CommanderStream::HeaderSamples + 160;
+    EXPECT_EQ(Decode(In, SecondHeader), Silence);
+}
+
 TEST(SlaveNode, CopiesWhatItLastReceived)
 {
     SimulatedBus Bus = BusWith(Door());

@@ -33,7 +33,7 @@ struct Slave {
         const double BitTime = 8.0 / (1.0 + Deviation / 100.0);
         double Start = static_cast<double>(Header) + 8.0 * ResponseSpace + Phase;
         for (const std::uint8_t Byte : Data) {
-            const unsigned Levels = Byte << 1U | 0x200U; // start bit, data bits, stop bit
+            const unsigned Levels = unsigned{Byte} << 1U | 0x200U; // start bit, data bits, stop bit
             for (int k = 0; k < 10; ++k) {
                 Drive(Samples, Start + k * BitTime, Start + (k + 1) * BitTime, Levels >> k & 1U);
             }

@@ -55,7 +55,6 @@ struct Bench {
     }
 };
 
-const Tarvix::Error Unplugged(7, "Device", "unplugged");
 const Tarvix::Testing::Failure UnpluggedFailure{7, "Device", "unplugged"};
 
 } // namespace
@@ -104,7 +103,7 @@ TEST(Recorder, TellsListenersInTheOrderInWhichTheyCame)
 {
     struct Named : SampleListener {
         Named(std::string& Order, char Name) : Order_(Order), Name_(Name) {}
-        void OnStream(const SampleStream&) override { Order_ += Name_; }
+        void OnStream(const SampleStream& /*Stream*/) override { Order_ += Name_; }
         std::string& Order_;
         char Name_;
     };
@@ -151,7 +150,7 @@ TEST(Recorder, DoesNotTellWhatFailed)
     Bus.Recording.SetClockDivisor(194);
     Bus.Send({0xFF});
     const double Before = Bus.Recording.Now();
-    Bus.Device.BeforeCall = [](std::size_t) { throw Unplugged; };
+    Bus.Device.BeforeCall = [](std::size_t) { throw Tarvix::Error(7, "Device", "unplugged"); };
     EXPECT_EQ(FailureOf([&] { Bus.Send({0x00}); }), UnpluggedFailure);
     EXPECT_EQ(FailureOf([&] { Bus.Exchange({0x00}); }), UnpluggedFailure);
     EXPECT_EQ(FailureOf([&] { Bus.Recording.SetClockDivisor(390); }), UnpluggedFailure);

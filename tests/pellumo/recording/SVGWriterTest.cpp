@@ -142,7 +142,7 @@ TEST(SVGWriter, PointsOutFaults)
         std::string Note;
         std::size_t Fields; // outlined
     };
-    const auto Write = [](std::uint8_t Identifier, Bytes Data) {
+    const auto Write = [](std::uint8_t Identifier, const Bytes& Data) {
         CommanderStream Stream;
         Stream.Header(Identifier);
         for (const std::uint8_t Byte : Data) {

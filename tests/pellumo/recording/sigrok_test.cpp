@@ -26,7 +26,7 @@ Bytes DataOf(std::uint8_t Identifier)
 {
     Bytes Data(1 + Identifier % 8U);
     for (std::size_t i = 0; i < Data.size(); ++i) {
-        Data[i] = static_cast<std::uint8_t>(Identifier * 37U + i * 91U);
+        Data[i] = static_cast<std::uint8_t>(std::size_t{Identifier} * 37 + i * 91);
     }
     return Data;
 }
@@ -49,7 +49,8 @@ BusDescription Nodes(Tarvix::eLINChecksumMode Model)
 std::string Text(const char* Format, unsigned A, unsigned B = 0)
 {
     std::array<char, 64> Buffer{};
-    std::snprintf(Buffer.data(), Buffer.size(), Format, A, B); // NOLINT(cppcoreguidelines-pro-type-vararg)
+    static_cast<void>(std::snprintf(Buffer.data(), Buffer.size(), Format, A,
+                                    B)); // NOLINT(cppcoreguidelines-pro-type-vararg): only this test's formats
     return Buffer.data();
 }
 

@@ -176,6 +176,15 @@ TEST(AnswerTiming, GlitchesDoNotSpoilTheClock)
     EXPECT_FALSE(TimingOf(With(Zeros, Header + 70, 1, 1)).Clock.has_value()) << "only the start edge is clean";
 }
 
+TEST(AnswerTiming, AllowsForEdgesThatJitter)
+{
+    const Bytes Clean = CommanderStream().Header(0x7D).Byte(0x55).Byte(0x55).Idle(120).Data();
+    const auto Expected = TimingOf(Clean).Clock.value();
+    const auto Clock = TimingOf(With(Clean, Header + 31, 1, 0)).Clock.value(); // no bit time puts this edge there
+    EXPECT_NEAR(Clock.Deviation, 0.0, Clock.Accuracy);
+    EXPECT_GT(Clock.Accuracy, Expected.Accuracy);
+}
+
 TEST(AnswerTiming, FindsTheNodesOfASimulatedBus)
 {
     for (const double ClockError : {-1.5, 0.0, 0.5, 2.0}) {

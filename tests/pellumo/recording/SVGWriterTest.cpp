@@ -123,9 +123,24 @@ TEST(SVGWriter, TellsTheSlavesFieldsFromTheCommanders)
     EXPECT_EQ(MiddleOf(Picture, "name", "checksum"), MiddleOfSamples(448, 528));
     EXPECT_EQ(CountOf(Picture, "class=\"slave-band\""), 1U + 3U) << "legend and answer";
     EXPECT_EQ(CountOf(Picture, "class=\"commander-band\""), 1U + 3U) << "legend and header";
-    EXPECT_EQ(CountOf(Picture, "class=\"slave-level\""), 1U);
+    EXPECT_NE(Picture.find("class=\"slave-level\" d=\"M302.4 62V82H315.2"), std::string::npos)
+        << "from the start edge on, which falls from the idle level";
     EXPECT_NE(Picture.find(">Read 0x3D<"), std::string::npos);
     EXPECT_NE(Picture.find(">response space 2.0 bit<"), std::string::npos);
+}
+
+TEST(SVGWriter, DrawsNothingOfASlaveThatIsSilent)
+{
+    const std::string Picture = PictureOf(ReadTx, ReadTx);
+    EXPECT_EQ(CountOf(Picture, "class=\"slave-level\""), 0U);
+    EXPECT_EQ(CountOf(Picture, "class=\"slave-band\""), 1U) << "legend";
+}
+
+TEST(SVGWriter, NamesTheChecksumModel)
+{
+    EXPECT_NE(PictureOf(ReadTx, Answer({0x12, 0x34, 0x3C}, 1)).find(">enhanced checksum<"), std::string::npos);
+    EXPECT_NE(PictureOf(ReadTx, Answer({0x12, 0x34, 0xB9}, 1)).find(">classic checksum<"), std::string::npos);
+    EXPECT_EQ(PictureOf(ReadTx, Answer({0x12}, 1)).find("checksum<"), std::string::npos) << "a byte alone is neither";
 }
 
 TEST(SVGWriter, DrawsTheBusByItsEdges)

@@ -34,8 +34,9 @@ struct AnswerTiming {
 /// The slave's bit time lies between bounds that follow from every two edges: so many bits took so many samples, give
 /// or take the one sample by which each edge is seen late. The more edges and the longer the answer, the closer the
 /// bounds. Edges of different bytes count when that leaves a bit time for bytes without any gap between them, which a
-/// slave's UART sends; else only edges of the same byte. Typical accuracy: 9 bytes without gaps 0.03 %, with gaps 0.3
-/// %; one byte 1 %. Edges that jitter by more than one sample against each other widen the bounds.
+/// slave's UART sends; else only edges of the same byte. Typical accuracy: nine bytes without gaps 0.03 percent,
+/// with gaps 0.7 percent, one byte 1.5 percent. Edges that jitter by more than one sample against each other widen the
+/// bounds.
 ///
 /// @param Samples        the bus as sampled
 /// @param ResponseBegin  the sample after the identifier's stop bit

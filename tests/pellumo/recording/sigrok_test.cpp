@@ -49,8 +49,8 @@ BusDescription Nodes(Tarvix::eLINChecksumMode Model)
 std::string Text(const char* Format, unsigned A, unsigned B = 0)
 {
     std::array<char, 64> Buffer{};
-    static_cast<void>(std::snprintf(Buffer.data(), Buffer.size(), Format, A,
-                                    B)); // NOLINT(cppcoreguidelines-pro-type-vararg): only this test's formats
+    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-vararg): only this test's formats
+    static_cast<void>(std::snprintf(Buffer.data(), Buffer.size(), Format, A, B));
     return Buffer.data();
 }
 

@@ -173,9 +173,7 @@ std::span<std::uint8_t> EmulatedChip::ClockBytes(std::span<const std::uint8_t> O
     } else {
         Wires_->Clock(Out, In, SampleTicks());
     }
-    if (DrivesData()) {
-        KeepDataLevel(Out.back() >> 7);
-    }
+    KeepDataLevel(Out.back() >> 7);
     return In;
 }
 

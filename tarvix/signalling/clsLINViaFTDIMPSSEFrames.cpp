@@ -3,6 +3,7 @@
 #include "tarvix/signalling/clsLINViaFTDIMPSSE.h"
 #include "tarvix/signalling/eBit.h"
 
+#include <array>
 #include <cstddef>
 
 namespace Tarvix {
@@ -34,6 +35,23 @@ Byte& At(std::span<Byte> Bytes, std::int32_t Index)
 
 } // namespace
 
+// Hands over the bytes that came back, each as soon as it is judged, so that the first fault decides.
+template <typename TakeByte>
+void clsLINViaFTDIMPSSE::DecodeBytes(TakeByte Take)
+{
+    std::array<std::uint8_t, 16> Run; // NOLINT(cppcoreguidelines-pro-type-member-init): written before it is read
+    while (!Buffer_.EndOfData()) {
+        const std::size_t Count = Buffer_.SampleFramedRun(Run);
+        for (std::size_t i = 0; i < Count; ++i) {
+            Take(Run[i]);
+        }
+        // A run that ends early ends with the stream or at a fault.
+        if (Count < Run.size() && !Buffer_.EndOfData() && Buffer_.WaitForSample(eb0)) {
+            Take(ReadFramedByte());
+        }
+    }
+}
+
 void clsLINViaFTDIMPSSE::LINTransmit(std::int32_t BreakWidth, std::uint8_t SyncField, std::uint8_t ID,
                                      std::span<const std::uint8_t> TxData, std::int32_t TxDataLen)
 {
@@ -43,20 +61,21 @@ void clsLINViaFTDIMPSSE::LINTransmit(std::int32_t BreakWidth, std::uint8_t SyncF
     Buffer_.InitializeData(BreakWidth, CheckedAdd(CheckedMultiply(FramedBits, TxDataLen), HeaderBits));
     WriteHeader(BreakWidth, SyncField, ID);
     const std::int32_t StartSamplePoint = Buffer_.DataLengthSamples();
-    for (std::int32_t i = 0; i < TxDataLen; ++i) {
-        Buffer_.WriteFramedByte(At(TxData, i));
+    const auto Count = static_cast<std::size_t>(TxDataLen);
+    if (Count > TxData.size()) {
+        Raise(errGeneral::errIndexOutOfRange);
     }
+    Buffer_.WriteFramedBytes(TxData.first(Count));
     ExchangeStream(StartSamplePoint);
 
-    std::int32_t Count = 0;
-    while (WaitForStartEdge()) {
-        const std::uint8_t Received = ReadFramedByte();
-        if (At(TxData, Count) != Received) {
+    std::int32_t Received = 0;
+    DecodeBytes([&](std::uint8_t DataByte) {
+        if (At(TxData, Received) != DataByte) {
             RaiseMismatch();
         }
-        ++Count;
-    }
-    if (Count != TxDataLen) {
+        ++Received;
+    });
+    if (Received != TxDataLen) {
         RaiseMismatch();
     }
 }
@@ -71,23 +90,17 @@ void clsLINViaFTDIMPSSE::LINReceive(std::int32_t BreakWidth, std::uint8_t SyncFi
     ExchangeStream(StartSamplePoint);
 
     RxDataLen = 0;
-    while (WaitForStartEdge()) {
-        const std::uint8_t Received = ReadFramedByte();
-        At(RxData, RxDataLen) = Received;
+    DecodeBytes([&](std::uint8_t DataByte) {
+        At(RxData, RxDataLen) = DataByte;
         ++RxDataLen;
-    }
+    });
 }
 
 void clsLINViaFTDIMPSSE::WriteHeader(std::int32_t BreakWidth, std::uint8_t SyncField, std::uint8_t ID)
 {
     WriteBreak(BreakWidth);
-    Buffer_.WriteFramedByte(SyncField);
-    Buffer_.WriteFramedByte(ID);
-}
-
-bool clsLINViaFTDIMPSSE::WaitForStartEdge()
-{
-    return !Buffer_.EndOfData() && Buffer_.WaitForSample(eb0);
+    const std::array<std::uint8_t, 2> Fields = {SyncField, ID};
+    Buffer_.WriteFramedBytes(Fields);
 }
 
 std::uint8_t clsLINViaFTDIMPSSE::ReadFramedByte()

@@ -16,6 +16,7 @@ constexpr std::int32_t GrowthBytes = 32;
 
 // The word-wise roads are for the ratio that the bus is driven with: one byte of samples per bit.
 constexpr std::int32_t ByteRatio = 8;
+constexpr std::int32_t FramedSamples = 10 * ByteRatio;
 
 std::size_t ByteOf(std::int32_t Sample) noexcept
 {
@@ -53,6 +54,27 @@ void Fill(std::span<std::uint8_t> Bytes, std::int32_t First, std::int32_t Last, 
     }
 }
 
+// The 80 samples of a framed byte, in time order a byte of zeros, the spread byte and a byte of ones, go to the bytes
+// at `Position`, moved up by `Shift` samples; those before them stay as they are.
+void PutFramedByte(std::uint8_t* Position, unsigned Shift, std::uint8_t DataByte) noexcept
+{
+    const std::uint64_t Spread = SpreadBits(DataByte);
+    const std::uint64_t Low = Spread << 8;
+    const std::uint64_t High = Spread >> 56 | 0xFF00;
+    if (Shift == 0) {
+        StoreWord(Position, Low);
+        Position[8] = static_cast<std::uint8_t>(High);
+        Position[9] = 0xFF;
+        return;
+    }
+    const unsigned Before = Position[0] & ((1U << Shift) - 1);
+    const std::uint64_t Upper = High << Shift | Low >> (64 - Shift);
+    StoreWord(Position, Low << Shift | Before);
+    Position[8] = static_cast<std::uint8_t>(Upper);
+    Position[9] = static_cast<std::uint8_t>(Upper >> 8);
+    Assign(Position[10], (1U << Shift) - 1, true);
+}
+
 // The first sample of `Wanted` at or after `First` and before `Limit`; else `Limit`.
 std::int64_t Find(std::span<const std::uint8_t> Bytes, std::int64_t First, std::int64_t Limit, bool Wanted) noexcept
 {
@@ -74,6 +96,22 @@ std::int64_t Find(std::span<const std::uint8_t> Bytes, std::int64_t First, std::
         Bits = (Bytes[Byte] ^ Flip) & 0xFF;
     }
     return std::min(Limit, static_cast<std::int64_t>(Byte) * 8 + std::countr_zero(Bits));
+}
+
+// The first dominant sample. From the middle of a stop bit it is four recessive samples to the next byte when there is
+// no pause: to guess so costs little, and spares the processor to wait for each byte's place before it looks at the
+// next one.
+std::int64_t FindStartEdge(std::span<const std::uint8_t> Bytes, std::int64_t First, std::int64_t Limit) noexcept
+{
+    constexpr unsigned FourRecessiveOneDominant = 0x0F;
+    if (First + ByteRatio < Limit) {
+        const std::uint8_t* const Here = &Bytes[static_cast<std::size_t>(First / 8)];
+        const unsigned Samples = Here[0] | unsigned{Here[1]} << 8;
+        if ((Samples >> First % 8 & 0x1F) == FourRecessiveOneDominant) {
+            return First + ByteRatio / 2;
+        }
+    }
+    return Find(Bytes, First, Limit, false);
 }
 
 } // namespace
@@ -124,31 +162,23 @@ void clsOversamplingBuffer::WriteByteMSB(std::uint8_t DataByte)
     }
 }
 
-void clsOversamplingBuffer::WriteFramedByte(std::uint8_t DataByte)
+void clsOversamplingBuffer::WriteFramedBytes(std::span<const std::uint8_t> DataBytes)
 {
     if (OversamplingRatio_ != ByteRatio) {
-        WriteBit(0);
-        WriteByteLSB(DataByte);
-        WriteBit(1);
+        for (const std::uint8_t DataByte : DataBytes) {
+            WriteBit(0);
+            WriteByteLSB(DataByte);
+            WriteBit(1);
+        }
         return;
     }
-    const std::int32_t NewLength = CheckedAdd(Length_, 10 * ByteRatio);
+    const auto Count = CheckedNarrow<std::int32_t>(static_cast<std::int64_t>(DataBytes.size()));
+    const std::int32_t NewLength = CheckedAdd(Length_, CheckedMultiply(FramedSamples, Count));
     ReserveSamples(NewLength);
-
-    // 80 samples in time order: one byte of zeros, the spread byte, one byte of ones; then moved up to the bit where
-    // the stream stands, which leaves the samples below it as they are.
-    const std::uint64_t Spread = SpreadBits(DataByte);
-    const std::uint64_t Low = Spread << 8;
-    const std::uint64_t High = Spread >> 56 | 0xFF00;
-    const unsigned Shift = BitOf(Length_);
-    std::uint8_t* const Bytes = &Bytes_[ByteOf(Length_)];
-    const std::uint64_t Before = Bytes[0] & ((1U << Shift) - 1);
-    const std::uint64_t Upper = Shift == 0 ? High : High << Shift | Low >> (64 - Shift);
-    StoreWord(Bytes, Low << Shift | Before);
-    Bytes[8] = static_cast<std::uint8_t>(Upper);
-    Bytes[9] = static_cast<std::uint8_t>(Upper >> 8);
-    if (Shift != 0) {
-        Assign(Bytes[10], (1U << Shift) - 1, true);
+    std::uint8_t* Position = Bytes_.data() + ByteOf(Length_);
+    for (const std::uint8_t DataByte : DataBytes) {
+        PutFramedByte(Position, BitOf(Length_), DataByte);
+        Position += FramedSamples / 8;
     }
     Length_ = NewLength;
 }
@@ -204,14 +234,6 @@ std::int32_t clsOversamplingBuffer::SampleHalfBit()
 
 std::uint8_t clsOversamplingBuffer::SampleByteLSB()
 {
-    const std::int64_t FirstMiddle = std::int64_t{Position_} + ByteRatio / 2;
-    const std::int64_t LastMiddle = FirstMiddle + 7 * ByteRatio;
-    if (OversamplingRatio_ == ByteRatio && Position_ >= 0 && LastMiddle < ReadableSamples()) {
-        // The eight middles are the same bit of eight bytes in a row.
-        const auto Middle = static_cast<std::int32_t>(FirstMiddle);
-        Position_ = CheckedAdd(Position_, 8 * ByteRatio);
-        return GatherBits(LoadWord(&Bytes_[ByteOf(Middle)]) >> BitOf(Middle));
-    }
     std::int32_t DataByte = 0;
     for (unsigned k = 0; k < 8; ++k) {
         DataByte |= SampleBit() << k;
@@ -226,6 +248,37 @@ std::uint8_t clsOversamplingBuffer::SampleByteMSB()
         DataByte = DataByte << 1 | SampleBit();
     }
     return static_cast<std::uint8_t>(DataByte);
+}
+
+std::size_t clsOversamplingBuffer::SampleFramedRun(std::span<std::uint8_t> DataBytes) noexcept
+{
+    const std::int64_t Limit = ReadableSamples();
+    std::int64_t Position = Position_;
+    std::size_t Count = 0;
+    if (OversamplingRatio_ != ByteRatio || Position < 0) {
+        return Count;
+    }
+    while (Count < DataBytes.size() && Position < Limit) {
+        Position = FindStartEdge(Bytes_, Position, Limit);
+        const std::int64_t StartMiddle = Position + ByteRatio / 2;
+        const std::int64_t StopMiddle = StartMiddle + std::int64_t{9} * ByteRatio;
+        if (StopMiddle >= Limit) {
+            break;
+        }
+        // The ten middles are the same bit of ten bytes in a row.
+        const auto Bit = static_cast<unsigned>(StartMiddle % 8);
+        const std::uint8_t* const Start = &Bytes_[static_cast<std::size_t>(StartMiddle / 8)];
+        const unsigned StartBit = Start[0] >> Bit & 1U;
+        const unsigned StopBit = Start[9] >> Bit & 1U;
+        if (StartBit != 0 || StopBit != 1) {
+            break;
+        }
+        DataBytes[Count] = GatherBits(LoadWord(Start + 1) >> Bit);
+        ++Count;
+        Position = StopMiddle;
+    }
+    Position_ = static_cast<std::int32_t>(Position);
+    return Count;
 }
 
 void clsOversamplingBuffer::ReserveSamples(std::int32_t Length)

@@ -2,6 +2,7 @@
 /// One oversampled bit stream, built to be sent and then walked to be decoded.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <span>
 #include <vector>
@@ -40,8 +41,8 @@ public:
     void WriteByteLSB(std::uint8_t DataByte);
     /// Appends eight bits, bit 7 first.
     void WriteByteMSB(std::uint8_t DataByte);
-    /// Appends a byte as it goes on the bus: start bit 0, eight bits with bit 0 first, stop bit 1.
-    void WriteFramedByte(std::uint8_t DataByte);
+    /// Appends bytes as they go on the bus, each with a start bit 0, eight bits with bit 0 first, and a stop bit 1.
+    void WriteFramedBytes(std::span<const std::uint8_t> DataBytes);
 
     /// A copy of the whole array.
     std::vector<std::uint8_t> Data() const { return Bytes_; }
@@ -80,6 +81,11 @@ public:
     /// Eight bits, bit 7 first.
     /// @throws Error  as `CurrentSample`
     std::uint8_t SampleByteMSB();
+    /// Reads bytes with their start and stop bits, each found by its start edge, for as long as all is well: what
+    /// `WaitForSample`(0), `SampleBit`, `SampleByteLSB`, `SampleHalfBit` would read in turn. Stops at the end of the
+    /// stream, when `DataBytes` is full, and on the start edge of a byte with a fault, for those operations to find it.
+    /// @return how many bytes were read
+    std::size_t SampleFramedRun(std::span<std::uint8_t> DataBytes) noexcept;
 
 private:
     void ReserveSamples(std::int32_t Length);

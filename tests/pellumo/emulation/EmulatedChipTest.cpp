@@ -79,6 +79,7 @@ INSTANTIATE_TEST_SUITE_P(Bytes, Shifting,
 INSTANTIATE_TEST_SUITE_P(
     Bits, Shifting,
     testing::Values(ShiftCase{{0x1A, 0x02, 0x05}, {0xFF, 0x00, 0xFF}, {}},
+                    ShiftCase{{0x1A, 0xFA, 0x05}, {0xFF, 0x00, 0xFF}, {}},
                     ShiftCase{{0x12, 0x02, 0xA0}, {0xFF, 0x00, 0xFF}, {}},
                     ShiftCase{{0x3E, 0x02, 0x05}, {0xFF, 0x00, 0xFF}, {0xA0}},
                     ShiftCase{{0x36, 0x02, 0xA0}, {0xFF, 0x00, 0xFF}, {0x05}},
@@ -143,12 +144,13 @@ struct ClockCase {
 };
 
 class Clocking : public Chip, public testing::WithParamInterface<ClockCase> {};
-INSTANTIATE_TEST_SUITE_P(
-    Settings, Clocking,
-    testing::Values(ClockCase{{}, 10}, ClockCase{{0x8A}, 2}, ClockCase{{0x8A, 0x8B}, 10},
-                    ClockCase{{0x86, 0xC2, 0x00}, 1950}, ClockCase{{0x8A, 0x86, 0x34, 0x12}, 9322},
-                    ClockCase{{0x8A, 0x86, 0xFF, 0xFF}, 131072}, ClockCase{{0x8A, 0x8C, 0x86, 0x01, 0x00}, 6},
-                    ClockCase{{0x8A, 0x8C, 0x8D, 0x86, 0x01, 0x00}, 4}, ClockCase{{0x96}, 10}, ClockCase{{0x97}, 10}));
+INSTANTIATE_TEST_SUITE_P(Settings, Clocking,
+                         testing::Values(ClockCase{{}, 10}, ClockCase{{0x8A}, 2}, ClockCase{{0x8A, 0x8B}, 10},
+                                         ClockCase{{0x86, 0xC2, 0x00}, 1950}, ClockCase{{0x8A, 0x86, 0x34, 0x12}, 9322},
+                                         ClockCase{{0x8A, 0x86, 0xFF, 0xFF}, 131072},
+                                         ClockCase{{0x8A, 0x8C, 0x86, 0x01, 0x00}, 6},
+                                         ClockCase{{0x8A, 0x8C, 0x8D, 0x86, 0x01, 0x00}, 4}, ClockCase{{0x96}, 10},
+                                         ClockCase{{0x97}, 10}));
 
 TEST_P(Clocking, GivesASampleItsDuration)
 {
@@ -263,6 +265,11 @@ TEST_F(Chip, ResetSwitchesTheEngineOnAnew)
     Engine.Write(Bytes{0x86, 0x01});
     Engine.Reset();
     EXPECT_EQ(AnswersTo({0x81}), Bytes{0xFF});
+
+    Engine.Write(Bytes{0x1A, 0x02, 0x07});
+    Engine.Reset();
+    Engine.Write(Bytes{0x1A, 0x00, 0x01});
+    EXPECT_EQ(Wires.Calls.back().SampleTicks, 1) << "nothing is left to be made up for";
 }
 
 } // namespace

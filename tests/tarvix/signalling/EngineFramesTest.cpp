@@ -3,6 +3,7 @@
 #include "tests/support/FakeDevice.h"
 #include "tests/support/PlainBuffer.h"
 #include "tests/support/Random.h"
+#include "tests/support/SlaveAnswer.h"
 
 #include <gtest/gtest.h>
 
@@ -17,29 +18,6 @@ namespace {
 
 constexpr std::int32_t Break = 104;
 constexpr std::int32_t HeaderSamples = Break + 168;
-
-void SetSamples(std::span<std::uint8_t> Stream, std::int32_t First, std::int32_t Count, int Value)
-{
-    for (std::int32_t n = First; n < First + Count; ++n) {
-        auto& Byte = Stream[static_cast<std::size_t>(n / 8)];
-        Byte = static_cast<std::uint8_t>(Value == 1 ? Byte | 1 << n % 8 : Byte & ~(1 << n % 8));
-    }
-}
-
-// A slave that sends `Answer` from sample `First` on.
-std::function<void(std::span<std::uint8_t>)> Answering(Bytes Answer, std::int32_t First = HeaderSamples)
-{
-    return [=](std::span<std::uint8_t> Stream) {
-        std::int32_t Sample = First;
-        for (const std::uint8_t Byte : Answer) {
-            SetSamples(Stream, Sample, 8, 0);
-            for (int k = 0; k < 8; ++k) {
-                SetSamples(Stream, Sample + 8 + 8 * k, 8, Byte >> k & 1);
-            }
-            Sample += 80;
-        }
-    };
-}
 
 struct Bench {
     FakeDevice Device;
@@ -84,9 +62,10 @@ TEST(EngineFrames, TransmitSendsBreakDelimiterSyncIdentifierAndData)
 TEST(EngineFrames, TransmitJudgesEachBitByItsMiddle)
 {
     struct Case {
-        const char* What;
-        std::int32_t First, Count;
-        int Level;
+        const char* What = "";
+        std::int32_t First = 0;
+        std::int32_t Count = 0;
+        int Level = 0;
         Failure Expected;
     };
     const std::int32_t Data =
@@ -156,8 +135,9 @@ TEST(EngineFrames, ReceiveFindsAnswersWhereverTheyStand)
 TEST(EngineFrames, ReceiveKeepsWhatCameBeforeAFault)
 {
     struct Case {
-        const char* What;
-        std::int32_t First, Count;
+        const char* What = "";
+        std::int32_t First = 0;
+        std::int32_t Count = 0;
         Failure Expected;
     };
     const std::int32_t Second = HeaderSamples + 80;

@@ -124,6 +124,38 @@ TEST(OversamplingBuffer, ReadsNothingOutsideTheArray)
 
 namespace {
 
+// A run of framed bytes, and what the operations that it stands for make of the byte at which it stopped.
+std::int64_t ReadRun(clsOversamplingBuffer& Buffer, Bytes& Run)
+{
+    Run.resize(Buffer.SampleFramedRun(Run));
+    return Buffer.CurrentSample();
+}
+
+std::int64_t ReadRun(PlainBuffer& Buffer, Bytes& Run)
+{
+    for (std::size_t Count = 0; Count < Run.size(); ++Count) {
+        PlainBuffer Ahead = Buffer;
+        try {
+            const bool Found = Ahead.WaitForSample(0);
+            Buffer = Ahead; // a run ends on the start edge of the byte that it does not read
+            if (!Found || Ahead.SampleBit() != 0) {
+                Run.resize(Count);
+                break;
+            }
+            Run[Count] = Ahead.SampleByteLSB();
+            if (Ahead.SampleHalfBit() != 1) {
+                Run.resize(Count);
+                break;
+            }
+            Buffer = Ahead;
+        } catch (const Error&) {
+            Run.resize(Count);
+            break;
+        }
+    }
+    return Buffer.CurrentSample();
+}
+
 // One random operation on both buffers; what comes of it must be the same.
 template <typename Operation>
 void Both(clsOversamplingBuffer& Fast, PlainBuffer& Plain, Operation Run)
@@ -146,11 +178,14 @@ void BuildBoth(clsOversamplingBuffer& Fast, PlainBuffer& Plain, Random& Any)
         const std::int32_t Count = Any.Between(0, 90);
         const std::int32_t Value = Any.Between(0, 1);
         const std::uint8_t Byte = Any.Byte();
-        if (Kind == 5) { // the one operation that is not in the plain buffer: it stands for three
-            Fast.WriteFramedByte(Byte);
-            Plain.WriteBit(0);
-            Plain.WriteByteLSB(Byte);
-            Plain.WriteBit(1);
+        if (Kind == 5) { // not in the plain buffer: it stands for three operations per byte
+            const Bytes Framed(static_cast<std::size_t>(Any.Between(0, 3)), Byte);
+            Fast.WriteFramedBytes(Framed);
+            for (const std::uint8_t DataByte : Framed) {
+                Plain.WriteBit(0);
+                Plain.WriteByteLSB(DataByte);
+                Plain.WriteBit(1);
+            }
             continue;
         }
         Both(Fast, Plain, [&](auto& Buffer) {
@@ -196,6 +231,43 @@ void ReadBoth(clsOversamplingBuffer& Fast, PlainBuffer& Plain, Random& Any)
 }
 
 } // namespace
+
+TEST(OversamplingBuffer, ARunOfFramedBytesIsWhatTheSingleOperationsRead)
+{
+    Random Any;
+    clsOversamplingBuffer Fast;
+    PlainBuffer Plain;
+    Fast.Initialize(8, 1);
+    Plain.Initialize(8, 1);
+    for (int Round = 0; Round < 20000 && !HasFatalFailure(); ++Round) {
+        Fast.InitializeData();
+        Fast.WriteSamples(Any.Between(0, 20), 1);
+        for (int Byte = Any.Between(0, 5); Byte > 0; --Byte) {
+            const std::uint8_t DataByte = Any.Byte();
+            Fast.WriteFramedBytes(std::span(&DataByte, 1));
+            Fast.WriteSamples(Any.Between(0, 1) * Any.Between(0, 100), 1); // mostly no pause
+        }
+        Bytes Stream = Fast.Data();
+        for (int Glitch = Any.Between(0, 2); Glitch > 0 && !Stream.empty(); --Glitch) {
+            const auto Where = static_cast<std::size_t>(Any.Between(0, static_cast<std::int32_t>(Stream.size()) - 1));
+            Stream[Where] = static_cast<std::uint8_t>(Stream[Where] ^ 1U << Any.Between(0, 7));
+        }
+        const std::int32_t Length = Any.Between(0, Fast.DataLengthSamples());
+        const std::int32_t Start = Any.Between(0, 12);
+        const auto Room = static_cast<std::size_t>(Any.Between(0, 6));
+        Bytes FastRun(Room);
+        Bytes PlainRun(Room);
+        Fast.InputData(Stream, Length, Start);
+        Plain.InputData(Stream, Length, Start);
+        std::int64_t FastNext = -1;
+        std::int64_t PlainNext = -1;
+        ASSERT_EQ(FailureOf([&] { FastNext = ReadRun(Fast, FastRun); }),
+                  FailureOf([&] { PlainNext = ReadRun(Plain, PlainRun); }));
+        ASSERT_EQ(FastRun, PlainRun);
+        ASSERT_EQ(FastNext, PlainNext);
+        ASSERT_EQ(Fast.EndOfData(), Plain.EndOfData());
+    }
+}
 
 class OversamplingBufferRandom : public testing::TestWithParam<std::int32_t> {};
 

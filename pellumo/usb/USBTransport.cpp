@@ -57,6 +57,7 @@ void USBTransport::Transfer(std::span<const std::uint8_t> Out, std::span<std::ui
     const std::size_t Asked = In.size();
     In = TakeSurplus(In);
     const int Code = Exchange(Out, In, Clock::now() + std::min<std::chrono::nanoseconds>(Limit, LongestLimit));
+    // Everything may have arrived in the very moment in which the time ran out.
     if (Out.empty() && In.empty()) {
         return;
     }
@@ -127,8 +128,9 @@ int USBTransport::Submit(BulkTransfer& Transfer, unsigned char Endpoint, std::sp
     return Left.count() > 0 ? Transfer.Submit(Port_.Handle(), Endpoint, Data, Left) : LIBUSB_ERROR_TIMEOUT;
 }
 
-// Moves what the finished read brought to the front of `In`; returns the rest of `In`.
-std::span<std::uint8_t> USBTransport::TakeAnswer(std::span<std::uint8_t> In)
+// Moves what the finished read brought to the front of `In`; returns the rest of `In`. Nothing may be raised while the
+// write is in flight.
+std::span<std::uint8_t> USBTransport::TakeAnswer(std::span<std::uint8_t> In) noexcept
 {
     std::span<const std::uint8_t> Received = std::span(Packets_).first(Read_.Count());
     while (Received.size() > StatusBytes) {

@@ -46,7 +46,6 @@ void SlaveNode::Hear(FrameReceiver::Heard Heard)
         if (Receiver_.Value() != 0) {
             Response_.clear();
         }
-        EndResponse();
         Receiver_.Ignore();
         break;
     }

@@ -205,7 +205,7 @@ TEST(AnswerTiming, FindsTheNodesOfASimulatedBus)
             Master.BaudrateBd(19200);
             EXPECT_TRUE(Master.ReadFrame(0x7D, 8));
             ASSERT_TRUE(Timing.has_value() && Timing->Clock.has_value());
-            EXPECT_LT(Timing->Clock->Accuracy, Gap == 0.0 ? 0.1 : 1.5);
+            EXPECT_LT(Timing->Clock->Accuracy, Gap == 0.0 ? 0.2 : 1.5);
             EXPECT_NEAR(Timing->Clock->Deviation, ClockError, Timing->Clock->Accuracy);
             EXPECT_NEAR(Timing->ResponseSpace, Space / (1.0 + ClockError / 100.0), 1.0 / 8.0);
             // a sample, and what ten bits of a bit time that is known to `Accuracy` only add

@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <span>
 #include <string>
+#include <type_traits>
 #include <utility>
 #include <variant>
 #include <vector>
@@ -72,8 +73,8 @@ private:
     struct Whole {
         template <std::integral T>
         explicit constexpr Whole(T Value) noexcept
-            : Negative(std::cmp_less(Value, 0)), Byte(std::same_as<T, std::uint8_t>),
-              Bits(static_cast<std::uint64_t>(Value))
+            : Negative(std::is_signed_v<T> && static_cast<std::int64_t>(Value) < 0),
+              Byte(std::same_as<T, std::uint8_t>), Bits(static_cast<std::uint64_t>(Value))
         {
         }
         bool operator==(const Whole& Other) const noexcept { return Negative == Other.Negative && Bits == Other.Bits; }

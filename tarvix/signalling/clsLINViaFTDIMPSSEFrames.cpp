@@ -3,6 +3,7 @@
 #include "tarvix/signalling/clsLINViaFTDIMPSSE.h"
 #include "tarvix/signalling/eBit.h"
 
+#include <array>
 #include <cstddef>
 
 namespace Tarvix {
@@ -16,11 +17,6 @@ constexpr std::int32_t ResponseBits = 14 * FramedBits;
 [[noreturn]] void RaiseMismatch()
 {
     Raise(errLINViaFTDIMPSSE::errTxRxMismatch, "clsLINViaFTDIMPSSE", "Transmission corrupted, Tx <> Rx");
-}
-
-[[noreturn]] void RaiseFraming()
-{
-    Raise(errLINViaFTDIMPSSE::errFraming, "clsLINViaFTDIMPSSE", "Framing error");
 }
 
 template <typename Byte>
@@ -43,20 +39,22 @@ void clsLINViaFTDIMPSSE::LINTransmit(std::int32_t BreakWidth, std::uint8_t SyncF
     Buffer_.InitializeData(BreakWidth, CheckedAdd(CheckedMultiply(FramedBits, TxDataLen), HeaderBits));
     WriteHeader(BreakWidth, SyncField, ID);
     const std::int32_t StartSamplePoint = Buffer_.DataLengthSamples();
-    for (std::int32_t i = 0; i < TxDataLen; ++i) {
-        Buffer_.WriteFramedByte(At(TxData, i));
+    const auto Count = static_cast<std::size_t>(TxDataLen);
+    if (Count > TxData.size()) {
+        Raise(errGeneral::errIndexOutOfRange);
     }
+    Buffer_.WriteFramedBytes(TxData.first(Count));
     ExchangeStream(StartSamplePoint);
 
-    std::int32_t Count = 0;
+    std::int32_t Received = 0;
     while (WaitForStartEdge()) {
-        const std::uint8_t Received = ReadFramedByte();
-        if (At(TxData, Count) != Received) {
+        const std::uint8_t DataByte = ReadFramedByte();
+        if (At(TxData, Received) != DataByte) {
             RaiseMismatch();
         }
-        ++Count;
+        ++Received;
     }
-    if (Count != TxDataLen) {
+    if (Received != TxDataLen) {
         RaiseMismatch();
     }
 }
@@ -72,8 +70,8 @@ void clsLINViaFTDIMPSSE::LINReceive(std::int32_t BreakWidth, std::uint8_t SyncFi
 
     RxDataLen = 0;
     while (WaitForStartEdge()) {
-        const std::uint8_t Received = ReadFramedByte();
-        At(RxData, RxDataLen) = Received;
+        const std::uint8_t DataByte = ReadFramedByte();
+        At(RxData, RxDataLen) = DataByte;
         ++RxDataLen;
     }
 }
@@ -81,8 +79,8 @@ void clsLINViaFTDIMPSSE::LINReceive(std::int32_t BreakWidth, std::uint8_t SyncFi
 void clsLINViaFTDIMPSSE::WriteHeader(std::int32_t BreakWidth, std::uint8_t SyncField, std::uint8_t ID)
 {
     WriteBreak(BreakWidth);
-    Buffer_.WriteFramedByte(SyncField);
-    Buffer_.WriteFramedByte(ID);
+    const std::array<std::uint8_t, 2> Fields = {SyncField, ID};
+    Buffer_.WriteFramedBytes(Fields);
 }
 
 bool clsLINViaFTDIMPSSE::WaitForStartEdge()
@@ -92,14 +90,11 @@ bool clsLINViaFTDIMPSSE::WaitForStartEdge()
 
 std::uint8_t clsLINViaFTDIMPSSE::ReadFramedByte()
 {
-    if (Buffer_.SampleBit() != eb0) {
-        RaiseFraming();
+    const std::int32_t DataByte = Buffer_.SampleFramedByte();
+    if (DataByte == clsOversamplingBuffer::FramingFault) {
+        Raise(errLINViaFTDIMPSSE::errFraming, "clsLINViaFTDIMPSSE", "Framing error");
     }
-    const std::uint8_t DataByte = Buffer_.SampleByteLSB();
-    if (Buffer_.SampleHalfBit() != eb1) {
-        RaiseFraming();
-    }
-    return DataByte;
+    return static_cast<std::uint8_t>(DataByte);
 }
 
 } // namespace Tarvix

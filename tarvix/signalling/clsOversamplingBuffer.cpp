@@ -16,6 +16,7 @@ constexpr std::int32_t GrowthBytes = 32;
 
 // The word-wise roads are for the ratio that the bus is driven with: one byte of samples per bit.
 constexpr std::int32_t ByteRatio = 8;
+constexpr std::int32_t FramedSamples = 10 * ByteRatio;
 
 std::size_t ByteOf(std::int32_t Sample) noexcept
 {
@@ -51,6 +52,27 @@ void Fill(std::span<std::uint8_t> Bytes, std::int32_t First, std::int32_t Last, 
     if (BelowLast != 0) {
         Assign(Bytes[LastByte], BelowLast, One);
     }
+}
+
+// The 80 samples of a framed byte, in time order a byte of zeros, the spread byte and a byte of ones, go to the bytes
+// at `Position`, moved up by `Shift` samples; those before them stay as they are.
+void PutFramedByte(std::uint8_t* Position, unsigned Shift, std::uint8_t DataByte) noexcept
+{
+    const std::uint64_t Spread = SpreadBits(DataByte);
+    const std::uint64_t Low = Spread << 8;
+    const std::uint64_t High = Spread >> 56 | 0xFF00;
+    if (Shift == 0) {
+        StoreWord(Position, Low);
+        Position[8] = static_cast<std::uint8_t>(High);
+        Position[9] = 0xFF;
+        return;
+    }
+    const unsigned Before = Position[0] & ((1U << Shift) - 1);
+    const std::uint64_t Upper = High << Shift | Low >> (64 - Shift);
+    StoreWord(Position, Low << Shift | Before);
+    Position[8] = static_cast<std::uint8_t>(Upper);
+    Position[9] = static_cast<std::uint8_t>(Upper >> 8);
+    Assign(Position[10], (1U << Shift) - 1, true);
 }
 
 // The first sample of `Wanted` at or after `First` and before `Limit`; else `Limit`.
@@ -124,31 +146,23 @@ void clsOversamplingBuffer::WriteByteMSB(std::uint8_t DataByte)
     }
 }
 
-void clsOversamplingBuffer::WriteFramedByte(std::uint8_t DataByte)
+void clsOversamplingBuffer::WriteFramedBytes(std::span<const std::uint8_t> DataBytes)
 {
     if (OversamplingRatio_ != ByteRatio) {
-        WriteBit(0);
-        WriteByteLSB(DataByte);
-        WriteBit(1);
+        for (const std::uint8_t DataByte : DataBytes) {
+            WriteBit(0);
+            WriteByteLSB(DataByte);
+            WriteBit(1);
+        }
         return;
     }
-    const std::int32_t NewLength = CheckedAdd(Length_, 10 * ByteRatio);
+    const auto Count = CheckedNarrow<std::int32_t>(static_cast<std::int64_t>(DataBytes.size()));
+    const std::int32_t NewLength = CheckedAdd(Length_, CheckedMultiply(FramedSamples, Count));
     ReserveSamples(NewLength);
-
-    // 80 samples in time order: one byte of zeros, the spread byte, one byte of ones; then moved up to the bit where
-    // the stream stands, which leaves the samples below it as they are.
-    const std::uint64_t Spread = SpreadBits(DataByte);
-    const std::uint64_t Low = Spread << 8;
-    const std::uint64_t High = Spread >> 56 | 0xFF00;
-    const unsigned Shift = BitOf(Length_);
-    std::uint8_t* const Bytes = &Bytes_[ByteOf(Length_)];
-    const std::uint64_t Before = Bytes[0] & ((1U << Shift) - 1);
-    const std::uint64_t Upper = Shift == 0 ? High : High << Shift | Low >> (64 - Shift);
-    StoreWord(Bytes, Low << Shift | Before);
-    Bytes[8] = static_cast<std::uint8_t>(Upper);
-    Bytes[9] = static_cast<std::uint8_t>(Upper >> 8);
-    if (Shift != 0) {
-        Assign(Bytes[10], (1U << Shift) - 1, true);
+    std::uint8_t* Position = Bytes_.data() + ByteOf(Length_);
+    for (const std::uint8_t DataByte : DataBytes) {
+        PutFramedByte(Position, BitOf(Length_), DataByte);
+        Position += FramedSamples / 8;
     }
     Length_ = NewLength;
 }
@@ -175,6 +189,10 @@ std::int32_t clsOversamplingBuffer::CurrentSample() const
 
 bool clsOversamplingBuffer::WaitForSample(std::int32_t Value)
 {
+    if (Value == 0 && NextByteFollowsAtOnce()) {
+        Position_ += ByteRatio / 2;
+        return true;
+    }
     if (CurrentSample() == Value) {
         return true;
     }
@@ -186,6 +204,19 @@ bool clsOversamplingBuffer::WaitForSample(std::int32_t Value)
         Raise(errGeneral::errIndexOutOfRange);
     }
     return Found < Limit;
+}
+
+// From the middle of a stop bit it is four recessive samples to the next byte, when there is no pause. The guess costs
+// little, and spares the processor to wait for each byte's position before it can look at the next one.
+bool clsOversamplingBuffer::NextByteFollowsAtOnce() const noexcept
+{
+    constexpr unsigned FourRecessiveOneDominant = 0x0F;
+    if (Position_ < 0 || std::int64_t{Position_} + ByteRatio >= ReadableSamples()) {
+        return false;
+    }
+    const std::uint8_t* const Bytes = &Bytes_[ByteOf(Position_)];
+    const unsigned Samples = Bytes[0] | unsigned{Bytes[1]} << 8;
+    return (Samples >> BitOf(Position_) & 0x1F) == FourRecessiveOneDominant;
 }
 
 std::int32_t clsOversamplingBuffer::SampleBit()
@@ -226,6 +257,28 @@ std::uint8_t clsOversamplingBuffer::SampleByteMSB()
         DataByte = DataByte << 1 | SampleBit();
     }
     return static_cast<std::uint8_t>(DataByte);
+}
+
+std::int32_t clsOversamplingBuffer::SampleFramedByte()
+{
+    const std::int64_t FirstMiddle = std::int64_t{Position_} + ByteRatio / 2;
+    const std::int64_t LastMiddle = FirstMiddle + 9 * ByteRatio;
+    if (OversamplingRatio_ != ByteRatio || Position_ < 0 || LastMiddle >= ReadableSamples()) {
+        if (SampleBit() != 0) {
+            return FramingFault;
+        }
+        const std::uint8_t DataByte = SampleByteLSB();
+        return SampleHalfBit() == 1 ? DataByte : FramingFault;
+    }
+    // The ten middles are the same bit of ten bytes in a row.
+    const unsigned Bit = BitOf(static_cast<std::int32_t>(FirstMiddle));
+    const std::uint8_t* const Start = &Bytes_[ByteOf(static_cast<std::int32_t>(FirstMiddle))];
+    if ((Start[0] >> Bit & 1) != 0) {
+        Position_ += ByteRatio;
+        return FramingFault;
+    }
+    Position_ = static_cast<std::int32_t>(LastMiddle);
+    return (Start[9] >> Bit & 1) != 0 ? GatherBits(LoadWord(Start + 1) >> Bit) : FramingFault;
 }
 
 void clsOversamplingBuffer::ReserveSamples(std::int32_t Length)

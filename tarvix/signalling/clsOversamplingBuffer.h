@@ -40,8 +40,8 @@ public:
     void WriteByteLSB(std::uint8_t DataByte);
     /// Appends eight bits, bit 7 first.
     void WriteByteMSB(std::uint8_t DataByte);
-    /// Appends a byte as it goes on the bus: start bit 0, eight bits with bit 0 first, stop bit 1.
-    void WriteFramedByte(std::uint8_t DataByte);
+    /// Appends bytes as they go on the bus, each with a start bit 0, eight bits with bit 0 first, and a stop bit 1.
+    void WriteFramedBytes(std::span<const std::uint8_t> DataBytes);
 
     /// A copy of the whole array.
     std::vector<std::uint8_t> Data() const { return Bytes_; }
@@ -80,10 +80,17 @@ public:
     /// Eight bits, bit 7 first.
     /// @throws Error  as `CurrentSample`
     std::uint8_t SampleByteMSB();
+    /// What `SampleFramedByte` returns in place of a byte when the start bit is 1 or the stop bit 0 at its middle.
+    static constexpr std::int32_t FramingFault = -1;
+    /// A byte with its start and stop bit, from the start edge on: `SampleBit`, `SampleByteLSB`, `SampleHalfBit`.
+    /// @return 0 to 255, or `FramingFault`; nothing is read beyond the bit that is at fault
+    /// @throws Error  as `CurrentSample`
+    std::int32_t SampleFramedByte();
 
 private:
     void ReserveSamples(std::int32_t Length);
     std::uint8_t IdleByte() const;
+    bool NextByteFollowsAtOnce() const noexcept;
     std::int64_t ReadableSamples() const noexcept;
 
     std::int32_t OversamplingRatio_ = 0;

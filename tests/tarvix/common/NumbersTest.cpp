@@ -38,10 +38,20 @@ TEST(Rounding, HalvesGoToTheEvenNeighbourInEveryRoundingMode)
     };
     for (const int Mode : {FE_TONEAREST, FE_UPWARD, FE_DOWNWARD, FE_TOWARDZERO}) {
         std::fesetround(Mode);
-        for (const auto& [Value, Rounded] :
-             {Case{0.5, 0}, {1.5, 2}, {2.5, 2}, {-0.5, 0}, {-1.5, -2}, {-2.5, -2}, {0.49999999999999994, 0},
-              {-0.49999999999999994, 0}, {0.5000000000000001, 1}, {-1e-20, 0}, {1e-20, 0}, {104.5, 104},
-              {2147483647.4, 2147483647}, {-2147483648.5, -2147483648}}) {
+        for (const auto& [Value, Rounded] : {Case{0.5, 0},
+                                             {1.5, 2},
+                                             {2.5, 2},
+                                             {-0.5, 0},
+                                             {-1.5, -2},
+                                             {-2.5, -2},
+                                             {0.49999999999999994, 0},
+                                             {-0.49999999999999994, 0},
+                                             {0.5000000000000001, 1},
+                                             {-1e-20, 0},
+                                             {1e-20, 0},
+                                             {104.5, 104},
+                                             {2147483647.4, 2147483647},
+                                             {-2147483648.5, -2147483648}}) {
             EXPECT_EQ(RoundTo<std::int32_t>(Value), Rounded) << Value << " in mode " << Mode;
         }
     }
@@ -84,14 +94,15 @@ TEST(DecimalText, TellsNumbersFromOtherText)
 TEST(DecimalText, TooLargeFailsAndTooSmallIsZero)
 {
     const std::string Zeros(400, '0');
-    for (const std::string& Number : {std::string("1e-400"), std::string("2e-324"), std::string("1e-99999999999999999999"),
-                                      std::string("0.").append(Zeros).append("1"), std::string("0e400"),
-                                      std::string("1").append(Zeros).append("e-900")}) {
+    for (const std::string& Number :
+         {std::string("1e-400"), std::string("2e-324"), std::string("1e-99999999999999999999"),
+          std::string("0.").append(Zeros).append("1"), std::string("0e400"),
+          std::string("1").append(Zeros).append("e-900")}) {
         EXPECT_EQ(DecimalToReal(Number), 0.0) << Number;
     }
-    for (const std::string& Number : {std::string("1e309"), std::string("1e99999999999999999999"),
-                                      std::string("1").append(Zeros), std::string("1e+309"),
-                                      std::string("0.").append(Zeros).append("1e800")}) {
+    for (const std::string& Number :
+         {std::string("1e309"), std::string("1e99999999999999999999"), std::string("1").append(Zeros),
+          std::string("1e+309"), std::string("0.").append(Zeros).append("1e800")}) {
         EXPECT_EQ(FailureOf([&] { DecimalToReal(Number); }), Overflow) << Number;
     }
     EXPECT_EQ(DecimalToReal(std::string("0.").append(Zeros).append("1e402")), 10.0);

@@ -124,6 +124,21 @@ TEST(OversamplingBuffer, ReadsNothingOutsideTheArray)
 
 namespace {
 
+// The plain buffer's way to read a framed byte, which the fast one has as one operation.
+std::int32_t SampleFramedByte(PlainBuffer& Buffer)
+{
+    if (Buffer.SampleBit() != 0) {
+        return -1;
+    }
+    const std::uint8_t DataByte = Buffer.SampleByteLSB();
+    return Buffer.SampleHalfBit() == 1 ? DataByte : -1;
+}
+
+std::int32_t SampleFramedByte(clsOversamplingBuffer& Buffer)
+{
+    return Buffer.SampleFramedByte();
+}
+
 // One random operation on both buffers; what comes of it must be the same.
 template <typename Operation>
 void Both(clsOversamplingBuffer& Fast, PlainBuffer& Plain, Operation Run)
@@ -146,11 +161,14 @@ void BuildBoth(clsOversamplingBuffer& Fast, PlainBuffer& Plain, Random& Any)
         const std::int32_t Count = Any.Between(0, 90);
         const std::int32_t Value = Any.Between(0, 1);
         const std::uint8_t Byte = Any.Byte();
-        if (Kind == 5) { // the one operation that is not in the plain buffer: it stands for three
-            Fast.WriteFramedByte(Byte);
-            Plain.WriteBit(0);
-            Plain.WriteByteLSB(Byte);
-            Plain.WriteBit(1);
+        if (Kind == 5) { // not in the plain buffer: it stands for three operations per byte
+            const Bytes Framed(static_cast<std::size_t>(Any.Between(0, 3)), Byte);
+            Fast.WriteFramedBytes(Framed);
+            for (const std::uint8_t DataByte : Framed) {
+                Plain.WriteBit(0);
+                Plain.WriteByteLSB(DataByte);
+                Plain.WriteBit(1);
+            }
             continue;
         }
         Both(Fast, Plain, [&](auto& Buffer) {
@@ -179,7 +197,7 @@ void ReadBoth(clsOversamplingBuffer& Fast, PlainBuffer& Plain, Random& Any)
     const std::int32_t Start = Any.Between(-2, Length + 2);
     Both(Fast, Plain, [&](auto& Buffer) { return Buffer.InputData(Stream, Length, Start), 0; });
     for (int Step = 0; Step < 12; ++Step) {
-        const std::int32_t Kind = Any.Between(0, 5);
+        const std::int32_t Kind = Any.Between(0, 6);
         const std::int32_t Value = Any.Between(0, 8) == 0 ? 2 : Any.Between(0, 1);
         Both(Fast, Plain, [&](auto& Buffer) -> std::int64_t {
             switch (Kind) {
@@ -188,6 +206,7 @@ void ReadBoth(clsOversamplingBuffer& Fast, PlainBuffer& Plain, Random& Any)
             case 2: return Buffer.SampleByteLSB();
             case 3: return Buffer.SampleByteMSB();
             case 4: return Buffer.SampleHalfBit();
+            case 5: return SampleFramedByte(Buffer);
             default: return Buffer.CurrentSample();
             }
         });

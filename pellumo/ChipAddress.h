@@ -1,0 +1,19 @@
+/// @file
+/// Which chip on USB is meant.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace Pellumo {
+
+/// What a device URL says about a chip; what it leaves out is empty.
+struct ChipAddress {
+    std::optional<std::uint16_t> Vendor;  ///< USB vendor identifier; empty: the chips' maker
+    std::optional<std::uint16_t> Product; ///< USB product identifier; empty: any
+    std::optional<std::string> Serial;    ///< serial number; empty: the first chip that matches the rest
+    int Interface = 1;                    ///< port on the chip, numbered from 1
+};
+
+} // namespace Pellumo

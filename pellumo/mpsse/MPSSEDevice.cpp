@@ -1,0 +1,284 @@
+#include "pellumo/mpsse/MPSSEDevice.h"
+
+#include "pellumo/errPellumo.h"
+#include "pellumo/mpsse/ClockDivisor.h"
+#include "pellumo/mpsse/Commands.h"
+#include "tarvix/common/Raise.h"
+
+#include <algorithm>
+#include <array>
+#include <string>
+#include <utility>
+
+namespace Pellumo {
+
+namespace {
+
+using Tarvix::errGeneral;
+
+// What USB and the host's scheduler may add to the time that the clocked bits take.
+constexpr std::chrono::nanoseconds Margin = std::chrono::seconds(1);
+
+constexpr std::uint8_t ShiftOpcode(std::int32_t LSBFirst, std::int32_t WriteEdge) noexcept
+{
+    return static_cast<std::uint8_t>(Shift::Write | (LSBFirst != 0 ? Shift::LSBFirst : 0) |
+                                     (WriteEdge != 0 ? Shift::WriteOnFalling : 0));
+}
+
+constexpr std::uint8_t ReadOnOtherEdge(std::uint8_t WriteOpcode) noexcept
+{
+    const bool WritesOnFalling = (WriteOpcode & Shift::WriteOnFalling) != 0;
+    return static_cast<std::uint8_t>(WriteOpcode | Shift::Read | (WritesOnFalling ? 0 : Shift::ReadOnFalling));
+}
+
+constexpr std::uint8_t LowByte(std::size_t Value) noexcept
+{
+    return static_cast<std::uint8_t>(Value & 0xFF);
+}
+
+constexpr std::uint8_t HighByte(std::size_t Value) noexcept
+{
+    return static_cast<std::uint8_t>(Value >> 8 & 0xFF);
+}
+
+// For where another failure is on its way already, or nobody is left who could be told.
+template <typename Action>
+void KeepQuiet(Action Do) noexcept
+{
+    try {
+        Do();
+    } catch (...) { // NOLINT(bugprone-empty-catch): see above
+    }
+}
+
+// Calls `Do` with one command's worth of samples at a time.
+template <typename Byte, typename Action>
+void ForEachCommand(std::span<Byte> Samples, Action Do)
+{
+    while (!Samples.empty()) {
+        const auto Piece = Samples.first(std::min(Samples.size(), MostBytesPerCommand));
+        Do(Piece);
+        Samples = Samples.subspan(Piece.size());
+    }
+}
+
+} // namespace
+
+// Until a divisor is set the clock is unknown: limits then count on the slowest one.
+MPSSEDevice::MPSSEDevice(std::unique_ptr<Transport> Pipe, ChipFamily Family)
+    : Transport_(std::move(Pipe)), HighSpeed_(FactsOf(Family).HighSpeed), Divisor_(LargestDivisor)
+{
+    Synchronise();
+}
+
+MPSSEDevice::~MPSSEDevice()
+{
+    KeepQuiet([this] { Close(); });
+}
+
+void MPSSEDevice::ConfigurePins(std::uint8_t Levels, std::uint8_t Directions)
+{
+    RequireOpen();
+    Transfer(std::array{Commands::SetLowPins, Levels, Directions});
+    Levels_ = Levels;
+    Directions_ = Directions;
+}
+
+void MPSSEDevice::SetOption(std::int32_t Option)
+{
+    RequireOpen();
+    if (Option != 0) {
+        Fail(errPellumo::errUnsupported, "has only the option 0, the plain mode");
+    }
+    if (HighSpeed_) {
+        Transfer(std::array{Commands::DivideBy5Off, Commands::AdaptiveClockingOff, Commands::ThreePhaseOff,
+                            Commands::LoopbackOff});
+    } else {
+        Transfer(std::array{Commands::LoopbackOff});
+    }
+}
+
+std::int32_t MPSSEDevice::DivisorForFrequency(double Frequency)
+{
+    RequireOpen();
+    const auto Divisor = NearestDivisor(Frequency, HighSpeed_);
+    if (!Divisor) {
+        Fail(errPellumo::errFrequency, HighSpeed_
+                                           ? "has no divisor for this sample clock: 457.8 Hz to 30 MHz can be had"
+                                           : "has no divisor for this sample clock: 91.6 Hz to 6 MHz can be had");
+    }
+    return *Divisor;
+}
+
+void MPSSEDevice::SetClockDivisor(std::int32_t Divisor)
+{
+    RequireOpen();
+    RequireDivisor(Divisor);
+    const auto Value = static_cast<std::size_t>(Divisor);
+    Transfer(std::array{Commands::SetDivisor, LowByte(Value), HighByte(Value)});
+    Divisor_ = Divisor;
+}
+
+double MPSSEDevice::FrequencyForDivisor(std::int32_t Divisor)
+{
+    RequireOpen();
+    RequireDivisor(Divisor);
+    return FrequencyOf(Divisor, HighSpeed_);
+}
+
+void MPSSEDevice::SendSamples(std::span<const std::uint8_t> Samples, std::int32_t ByteCount, std::int32_t LSBFirst,
+                              std::int32_t WriteEdge)
+{
+    RequireOpen();
+    RequireMode(LSBFirst, WriteEdge);
+    const std::size_t Count = RequireCount(ByteCount, Samples.size());
+    const std::uint8_t Opcode = ShiftOpcode(LSBFirst, WriteEdge);
+    ForEachCommand(Samples.first(Count), [this, Opcode](std::span<const std::uint8_t> Piece) {
+        Transfer(Frame(Opcode, Piece), {}, DurationOf(Piece.size()));
+    });
+}
+
+void MPSSEDevice::ExchangeSamples(std::span<std::uint8_t> Samples, std::int32_t ByteCount, std::int32_t LSBFirst,
+                                  std::int32_t WriteEdge, std::int32_t ReadEdge)
+{
+    RequireOpen();
+    RequireMode(LSBFirst, WriteEdge);
+    if (ReadEdge != 0) {
+        Fail(errPellumo::errUnsupported,
+             "reads a sample only on the edge after the one that put it out: ReadEdge is 0");
+    }
+    const std::size_t Count = RequireCount(ByteCount, Samples.size());
+    const std::uint8_t Opcode = ReadOnOtherEdge(ShiftOpcode(LSBFirst, WriteEdge));
+    ForEachCommand(Samples.first(Count), [this, Opcode](std::span<std::uint8_t> Piece) {
+        Transfer(Frame(Opcode, Piece), Piece, DurationOf(Piece.size()));
+    });
+}
+
+void MPSSEDevice::Close()
+{
+    if (!Open_) {
+        return;
+    }
+    Open_ = false;
+    try {
+        LeaveRecessive();
+    } catch (...) {
+        KeepQuiet([this] { Transport_->Close(); });
+        throw;
+    }
+    Transport_->Close();
+}
+
+template <typename Enum>
+void MPSSEDevice::Fail(Enum Number, std::string_view What) const
+{
+    std::string Text = "The device \"";
+    Text.append(Transport_->Name()).append("\" ").append(What);
+    Tarvix::Raise(Number, "MPSSEDevice", Text);
+}
+
+void MPSSEDevice::RequireOpen() const
+{
+    if (!Open_) {
+        Fail(errPellumo::errClosed, "has been closed; open it again to go on");
+    }
+}
+
+void MPSSEDevice::RequireDivisor(std::int32_t Divisor) const
+{
+    if (!IsDivisor(Divisor)) {
+        Fail(errPellumo::errDivisor, std::string("has divisors from 0 to 65535, not ").append(std::to_string(Divisor)));
+    }
+}
+
+void MPSSEDevice::RequireMode(std::int32_t LSBFirst, std::int32_t WriteEdge) const
+{
+    if (LSBFirst != 0 && LSBFirst != 1) {
+        Fail(errPellumo::errUnsupported,
+             "clocks bit 0 of a byte first (LSBFirst 1) or bit 7 (0), and knows no third way");
+    }
+    if (WriteEdge != 0 && WriteEdge != 1) {
+        Fail(errPellumo::errUnsupported, "puts samples out on the rising edge (WriteEdge 0) or the falling edge (1)");
+    }
+}
+
+std::size_t MPSSEDevice::RequireCount(std::int32_t ByteCount, std::size_t Available) const
+{
+    if (ByteCount < 0) {
+        Fail(errGeneral::errInvalidArgument, "cannot clock a negative number of bytes");
+    }
+    const auto Count = static_cast<std::size_t>(ByteCount);
+    if (Count > Available) {
+        Fail(errGeneral::errIndexOutOfRange, "was asked to clock more bytes than there are samples");
+    }
+    return Count;
+}
+
+// The answer to the last command comes when all before it are done.
+void MPSSEDevice::LeaveRecessive()
+{
+    const auto Recessive = static_cast<std::uint8_t>(Levels_ | LowPin::DataOut);
+    std::array<std::uint8_t, 1> PinLevels{};
+    Transfer(std::array{Commands::SetLowPins, Recessive, Directions_, Commands::ReadLowPins, Commands::SendImmediate},
+             PinLevels);
+}
+
+// The engine answers an opcode that it does not know with `Commands::Bad` and the opcode; nothing else at the other end
+// of the pipe does.
+void MPSSEDevice::Synchronise()
+{
+    Transport_->Purge();
+    std::array<std::uint8_t, 2> Answer{};
+    try {
+        Transport_->Transfer(std::array{Commands::Bogus}, Answer, Limit());
+    } catch (const Tarvix::Error& Failure) {
+        if (!Failure.Is(errPellumo::errTimeout) && !Failure.Is(errPellumo::errShortAnswer)) {
+            throw;
+        }
+        Answer = {};
+    }
+    if (Answer != std::array{Commands::Bad, Commands::Bogus}) {
+        Fail(errPellumo::errNoEngine, "does not answer as an MPSSE engine does; unplug it, plug it in and try again");
+    }
+    Queued_ = Ticks(0);
+    InStep_ = true;
+}
+
+// After a failure the engine may stand inside a command or still owe an answer.
+void MPSSEDevice::Transfer(std::span<const std::uint8_t> Out, std::span<std::uint8_t> In, Ticks Duration)
+{
+    if (!InStep_) {
+        Synchronise();
+    }
+    Queued_ += Duration;
+    InStep_ = false;
+    Transport_->Transfer(Out, In, Limit());
+    InStep_ = true;
+    if (!In.empty()) {
+        Queued_ = Ticks(0);
+    }
+}
+
+// An exchange is ended by the command that sends the answer at once; a frame that nobody reads goes without.
+std::span<const std::uint8_t> MPSSEDevice::Frame(std::uint8_t Opcode, std::span<const std::uint8_t> Samples)
+{
+    const std::size_t CountLessOne = Samples.size() - 1;
+    Frame_.assign({Opcode, LowByte(CountLessOne), HighByte(CountLessOne)});
+    Frame_.insert(Frame_.end(), Samples.begin(), Samples.end());
+    if ((Opcode & Shift::Read) != 0) {
+        Frame_.push_back(Commands::SendImmediate);
+    }
+    return Frame_;
+}
+
+MPSSEDevice::Ticks MPSSEDevice::DurationOf(std::size_t ByteCount) const noexcept
+{
+    return Ticks(static_cast<std::int64_t>(ByteCount) * 8 * TicksPerCycle(HighSpeed_) * (1 + Divisor_));
+}
+
+std::chrono::nanoseconds MPSSEDevice::Limit() const noexcept
+{
+    return Margin + std::chrono::ceil<std::chrono::nanoseconds>(Queued_);
+}
+
+} // namespace Pellumo

@@ -1,0 +1,223 @@
+#include "pellumo/usb/USBChips.h"
+
+#include "pellumo/errPellumo.h"
+#include "pellumo/usb/USBErrors.h"
+#include "tarvix/common/Raise.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <span>
+#include <string_view>
+#include <utility>
+
+namespace Pellumo {
+
+namespace {
+
+constexpr std::string_view Source = "USBChips";
+
+constexpr std::array Families = {ChipFamily::FT2232D, ChipFamily::FT2232H, ChipFamily::FT4232H, ChipFamily::FT232H};
+
+std::optional<ChipFamily> FamilyOfRelease(std::uint16_t Release) noexcept
+{
+    const auto* const Found = std::find_if(Families.begin(), Families.end(),
+                                           [=](ChipFamily Family) { return FactsOf(Family).USBRelease == Release; });
+    return Found == Families.end() ? std::nullopt : std::optional(*Found);
+}
+
+std::string Hexadecimal(std::uint16_t Value)
+{
+    std::array<char, 4> Digits{};
+    const auto End = std::to_chars(Digits.data(), Digits.data() + Digits.size(), Value, 16).ptr;
+    const auto Count = static_cast<std::size_t>(End - Digits.data());
+    return std::string("0x").append(4 - Count, '0').append(Digits.data(), Count);
+}
+
+std::pair<int, int> PlaceOf(const USBChip& Chip) noexcept
+{
+    return {libusb_get_bus_number(Chip.Device.get()), libusb_get_device_address(Chip.Device.get())};
+}
+
+std::string VendorName(std::uint16_t Vendor)
+{
+    return Vendor == MakersVendor ? "ftdi" : Hexadecimal(Vendor);
+}
+
+// How a URL names the product: "232h" for an FT232H, a number for a chip whose identifier was changed.
+std::string ProductInURL(const USBChip& Chip)
+{
+    if (!Chip.Family || FactsOf(*Chip.Family).USBProduct != Chip.Product) {
+        return Hexadecimal(Chip.Product);
+    }
+    std::string Name = FactsOf(*Chip.Family).Name + 2;
+    Name.back() = static_cast<char>(Name.back() - 'A' + 'a');
+    return Name;
+}
+
+// The serial number, or libusb's code when the device cannot be opened or asked.
+int ReadSerial(libusb_device* Device, std::uint8_t StringIndex, std::string& Serial)
+{
+    libusb_device_handle* Opened = nullptr;
+    if (const int Code = libusb_open(Device, &Opened); Code < 0) {
+        return Code;
+    }
+    const DeviceHandle Handle(Opened);
+    if (StringIndex == 0) {
+        return LIBUSB_SUCCESS;
+    }
+    std::array<unsigned char, 256> Text{};
+    const int Length =
+        libusb_get_string_descriptor_ascii(Handle.get(), StringIndex, Text.data(), static_cast<int>(Text.size()));
+    if (Length < 0) {
+        return Length;
+    }
+    Serial.assign(Text.begin(), Text.begin() + Length);
+    return LIBUSB_SUCCESS;
+}
+
+USBChip Describe(libusb_device* Device, const libusb_device_descriptor& Descriptor)
+{
+    USBChip Chip;
+    Chip.Device.reset(libusb_ref_device(Device));
+    Chip.Vendor = Descriptor.idVendor;
+    Chip.Product = Descriptor.idProduct;
+    Chip.Release = Descriptor.bcdDevice;
+    Chip.Family = FamilyOfRelease(Descriptor.bcdDevice);
+    Chip.OpenCode = ReadSerial(Device, Descriptor.iSerialNumber, Chip.Serial);
+    return Chip;
+}
+
+std::string TextOf(const ChipAddress& Address)
+{
+    std::string Text = std::string("ftdi://").append(VendorName(Address.Vendor.value_or(MakersVendor))).append(":");
+    Text.append(Address.Product ? Hexadecimal(*Address.Product) : "");
+    if (Address.Serial) {
+        Text.append(":").append(*Address.Serial);
+    }
+    return Text.append("/").append(std::to_string(Address.Interface));
+}
+
+[[noreturn]] void RaiseNotFound(std::span<const USBChip> Chips, const ChipAddress& Address)
+{
+    std::string Text = std::string("No chip on USB matches ").append(TextOf(Address)).append(". ");
+    if (Chips.empty()) {
+        Text.append(
+            "None with these identifiers is plugged in; check the cable, and the address with `tarvix devices`");
+    } else {
+        Text.append("Found:");
+        for (const USBChip& Chip : Chips) {
+            Text.append(" ").append(Chip.URL(1)).append(" (").append(Chip.ProductName()).append(")");
+        }
+    }
+    Tarvix::Raise(errPellumo::errNotFound, Source, Text);
+}
+
+void RequireEngine(const USBChip& Chip, int Interface)
+{
+    const std::string Name = Chip.URL(Interface).append(": ");
+    if (!Chip.Family) {
+        Tarvix::Raise(errPellumo::errWrongChip, Source,
+                      std::string(Name)
+                          .append("the chip (")
+                          .append(Chip.ProductName())
+                          .append(") has no MPSSE engine. Use an FT232H, FT2232H, FT4232H or FT2232D"));
+    }
+    const ChipFacts& Facts = FactsOf(*Chip.Family);
+    const std::string_view Limit = Facts.Engines == 1 ? "Use 1" : "Use 1 or 2";
+    if (Interface < 1 || Interface > Facts.Interfaces) {
+        Tarvix::Raise(
+            errPellumo::errNotFound, Source,
+            std::string(Name).append("the ").append(Facts.Name).append(" has no such interface. ").append(Limit));
+    }
+    if (Interface > Facts.Engines) {
+        Tarvix::Raise(errPellumo::errWrongChip, Source,
+                      std::string(Name)
+                          .append("the ")
+                          .append(Facts.Name)
+                          .append(" has no MPSSE engine on this interface. ")
+                          .append(Limit));
+    }
+}
+
+} // namespace
+
+std::string USBChip::ProductName() const
+{
+    if (Family) {
+        return FactsOf(*Family).Name;
+    }
+    switch (Release) {
+    case 0x0200: return "FT8U232AM";
+    case 0x0400: return "FT232BM";
+    case 0x0600: return "FT232R";
+    case 0x1000: return "FT-X";
+    default: return std::string("unknown chip, release ").append(Hexadecimal(Release));
+    }
+}
+
+std::string USBChip::URL(int Interface) const
+{
+    std::string Text = std::string("ftdi://").append(VendorName(Vendor)).append(":").append(ProductInURL(*this));
+    if (!Serial.empty()) {
+        Text.append(":").append(Serial);
+    }
+    return Text.append("/").append(std::to_string(Interface));
+}
+
+FTDIContext StartUSB()
+{
+    FTDIContext Context(ftdi_new());
+    if (!Context) {
+        Tarvix::Raise(errPellumo::errUSB, Source, "The USB system cannot be used: libusb does not start");
+    }
+    return Context;
+}
+
+std::vector<USBChip> ListChips(const ftdi_context& Context, std::uint16_t Vendor, std::optional<std::uint16_t> Product)
+{
+    libusb_device** Devices = nullptr;
+    const ssize_t Count = libusb_get_device_list(Context.usb_ctx, &Devices);
+    if (Count < 0) {
+        RaiseUSB(static_cast<int>(Count), Source, "USB", "listing the devices");
+    }
+    const auto FreeList = [](libusb_device** List) { libusb_free_device_list(List, 1); };
+    const std::unique_ptr<libusb_device*, decltype(FreeList)> Owner(Devices, FreeList);
+
+    std::vector<USBChip> Chips;
+    for (libusb_device* const Device : std::span(Devices, static_cast<std::size_t>(Count))) {
+        libusb_device_descriptor Descriptor{};
+        if (libusb_get_device_descriptor(Device, &Descriptor) == LIBUSB_SUCCESS && Descriptor.idVendor == Vendor &&
+            Descriptor.idProduct == Product.value_or(Descriptor.idProduct)) {
+            Chips.push_back(Describe(Device, Descriptor));
+        }
+    }
+    std::sort(Chips.begin(), Chips.end(), [](const USBChip& A, const USBChip& B) { return PlaceOf(A) < PlaceOf(B); });
+    return Chips;
+}
+
+USBChip FindChip(const ftdi_context& Context, const ChipAddress& Address)
+{
+    std::vector<USBChip> Chips = ListChips(Context, Address.Vendor.value_or(MakersVendor), Address.Product);
+    const auto BearsSerial = [&](const USBChip& Chip) { return !Address.Serial || Chip.Serial == *Address.Serial; };
+    const auto HasEngine = [&](const USBChip& Chip) { return BearsSerial(Chip) && Chip.Family; };
+    const auto IsSecret = [](const USBChip& Chip) { return Chip.OpenCode < 0; };
+
+    auto Chosen = std::find_if(Chips.begin(), Chips.end(), HasEngine);
+    if (Chosen == Chips.end()) {
+        Chosen = std::find_if(Chips.begin(), Chips.end(), BearsSerial);
+    }
+    if (Chosen == Chips.end()) {
+        Chosen = std::find_if(Chips.begin(), Chips.end(), IsSecret);
+    }
+    if (Chosen == Chips.end()) {
+        RaiseNotFound(Chips, Address);
+    }
+    RequireEngine(*Chosen, Address.Interface);
+    if (Chosen->OpenCode < 0) {
+        RaiseUSB(Chosen->OpenCode, Source, Chosen->URL(Address.Interface), "opening the chip");
+    }
+    return std::move(*Chosen);
+}
+
+} // namespace Pellumo

@@ -1,0 +1,46 @@
+/// @file
+/// What the tests of the USB transport share.
+#pragma once
+
+#include "pellumo/DeviceURL.h"
+#include "pellumo/errPellumo.h"
+#include "pellumo/usb/OpenUSBTransport.h"
+#include "tests/support/EchoPins.h"
+#include "tests/support/Errors.h"
+#include "tests/support/FakeUsbfs.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <variant>
+#include <vector>
+
+namespace Pellumo::Testing {
+
+using Bytes = std::vector<std::uint8_t>;
+using Tarvix::Testing::Failure;
+using Tarvix::Testing::FailureOf;
+
+inline Failure Error(errPellumo Number, std::string_view Source, std::string_view Description)
+{
+    return {static_cast<std::uint32_t>(Number), std::string(Source), std::string(Description)};
+}
+
+/// The chip that a URL names.
+inline ChipAddress At(std::string_view URL)
+{
+    return std::get<ChipAddress>(ParseDeviceURL(URL));
+}
+
+/// A USB system with wires that echo; what stays open at the end of a test fails it.
+class USBTest : public testing::Test {
+protected:
+    ~USBTest() override { EXPECT_EQ(Usb.OpenDevices(), 0U); }
+
+    FakeUsbfs Usb;
+    EchoPins Wires;
+};
+
+} // namespace Pellumo::Testing

@@ -5,7 +5,7 @@
 /// @throws ProgramFailure  when the program cannot go on
 #pragma once
 
-#include "pellumo/usb/DeviceList.h"
+#include "pellumo/DeviceList.h"
 #include "tools/tarvix/CommandLine.h"
 
 #include <span>

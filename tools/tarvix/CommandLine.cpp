@@ -74,7 +74,7 @@ template <typename Target, typename Parser>
 CLI::Option* AddValue(CLI::App& App, const std::string& Name, Target& Value, Parser Parse, const std::string& Help)
 {
     const auto Store = [Name, &Value, Parse](const std::string& Text) { Value = Parsed(Name, Parse, Text); };
-    return App.add_option_function<std::string>(Name, Store, Help);
+    return App.add_option_function<std::string>(Name, Store, Help)->type_name("");
 }
 
 /// An argument that may be repeated.
@@ -87,7 +87,7 @@ CLI::Option* AddValues(CLI::App& App, const std::string& Name, std::vector<Eleme
             Values.push_back(Parsed(Name, Parse, Text));
         }
     };
-    return App.add_option_function<std::vector<std::string>>(Name, Store, Help);
+    return App.add_option_function<std::vector<std::string>>(Name, Store, Help)->type_name("");
 }
 
 /// Accepts the words of `Choices`.
@@ -157,7 +157,7 @@ class Commands {
 public:
     Commands() : App_("Commander of a LIN bus over the MPSSE engine of a USB chip", "tarvix")
     {
-        App_.require_subcommand(1);
+        App_.require_subcommand(0, 1); // none: told by `Parse`, after what else is wrong
         App_.set_version_flag("--version", VersionText, "Print the version and exit");
         App_.footer(MainExamples);
         AddRun();
@@ -173,6 +173,9 @@ public:
         try {
             std::reverse(Arguments.begin(), Arguments.end()); // as CLI11 wants them
             App_.parse(std::move(Arguments));
+            if (!Chosen_) {
+                throw CLI::RequiredError("A command");
+            }
             return Chosen_();
         } catch (const CLI::ParseError& End) {
             return Explain(End);
@@ -205,7 +208,9 @@ private:
     void AddRun()
     {
         const auto [App, Run] = AddBusCommand<RunArguments>("run", "Execute scripts, one after the other", RunExamples);
-        App.add_option("SCRIPT", Run.Scripts, "Script file in UTF-8 or UTF-16; - is the standard input")->required();
+        App.add_option("SCRIPT", Run.Scripts, "Script file in UTF-8 or UTF-16; - is the standard input")
+            ->required()
+            ->type_name("");
     }
 
     void AddWrite()

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
 #include <cstdint>
 
 namespace Tarvix::Tool {
@@ -16,6 +17,8 @@ constexpr std::int32_t NumberOf(Enum Member)
 {
     return static_cast<std::int32_t>(Member);
 }
+
+constexpr std::size_t LongestResponse = 9; ///< bytes that the master has room for
 
 constexpr auto FramingError = static_cast<std::int32_t>(0x8004C3F1);
 constexpr auto TransmissionCorrupted = static_cast<std::int32_t>(0x8004C3F2);
@@ -42,8 +45,10 @@ constexpr std::array Advices = {
     Advice{
         NumberOf(errLIN::errResponseLength), true,
         "The count includes the checksum byte; ask for one less than it says, or let \"tarvix scan\" tell the length."},
-    Advice{NumberOf(errGeneral::errIndexOutOfRange), true,
-           "More than 9 bytes came: two nodes may answer this identifier, or the bit rate is wrong."},
+    Advice{
+        NumberOf(errGeneral::errIndexOutOfRange), false,
+        "Either more than 9 bytes came (two nodes may answer this identifier, or the bit rate is wrong), or the script "
+        "has empty parentheses."},
     Advice{FramingError, true,
            "Check the bit rate, the wiring and the termination; --timing and --vcd show where the bus went wrong."},
     Advice{TransmissionCorrupted, true,
@@ -54,7 +59,7 @@ constexpr std::array Advices = {
     Advice{NumberOf(Script::errLexical), false, "Close the bytes with \")\" on the line on which they begin."},
     Advice{NumberOf(Script::errEmptyCommand), false, "Delete the \";\" that stands alone."},
     Advice{NumberOf(Script::errTokenType), false,
-           "Look at the word before the caret: it is misspelt, missing, or a value of another kind."},
+           "Look at the word above the caret: it is misspelt, missing, or a value of another kind."},
     Advice{NumberOf(Script::errTokenValue), false,
            "Commands are BAUDRATE, WAIT, BREAK, BREAK_WIDTH, SYNC_BYTE, CHKSUM_MODE, WRITE_FRAME and READ_FRAME; "
            "checksum modes are LIN1_3 and LIN2_0."},
@@ -84,8 +89,11 @@ Error NoResponse()
     return {NumberOf(Script::errNoResponse), "tarvix", "No response"};
 }
 
-bool IsFrameFailure(const Error& Failure)
+bool TellsOf(const Error& Failure, const FrameReport& Frame)
 {
+    if (Failure.Is(errGeneral::errIndexOutOfRange)) { // empty parentheses in a script raise it, too
+        return Frame.Data.size() + (Frame.Checksum ? 1 : 0) > LongestResponse;
+    }
     const Advice* const Found = Find(Failure);
     return Found != nullptr && Found->OfFrame;
 }

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "tarvix/common/Error.h"
+#include "tools/tarvix/FrameReport.h"
 
 #include <string>
 #include <string_view>
@@ -12,8 +13,8 @@ namespace Tarvix::Tool {
 /// The failure of a read that nobody answered, with the number that scripts report, too.
 Error NoResponse();
 
-/// True for what is raised after a frame was on the bus: it tells about that frame, not about a command.
-bool IsFrameFailure(const Error& Failure);
+/// True when `Failure`, raised after `Frame` was on the bus, tells of that frame and not of a later command.
+bool TellsOf(const Error& Failure, const FrameReport& Frame);
 
 /// What happened, in words: the error's description; silence is told as what it is.
 std::string Describe(const Error& Failure);

@@ -1,5 +1,7 @@
 #include "tools/tarvix/FrameMonitor.h"
 
+#include "tools/tarvix/FrameFailure.h"
+
 namespace Tarvix::Tool {
 
 namespace {
@@ -49,7 +51,9 @@ void FrameMonitor::Settle()
 void FrameMonitor::Fail(const Error& Failure)
 {
     if (auto Report = Take()) {
-        Report->Failure = Failure;
+        if (TellsOf(Failure, *Report)) {
+            Report->Failure = Failure;
+        }
         OnFrame_(*Report);
     }
 }

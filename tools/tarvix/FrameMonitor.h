@@ -12,7 +12,7 @@
 namespace Tarvix::Tool {
 
 /// Makes a report of every frame on the bus. Whether a frame is all right is known only when the operation that caused
-/// it has returned, so each frame waits until then: `Settle` says that it was, `Fail` that it was not, and the next
+/// it has returned, so each frame waits until then: `Settle` says that it was, `Fail` why it was not, and the next
 /// event on the bus that it must have been.
 class FrameMonitor {
 public:
@@ -27,7 +27,7 @@ public:
     /// The operation of the waiting frame, if there is one, has succeeded.
     void Settle();
 
-    /// The operation of the waiting frame has failed.
+    /// An operation has failed: that of the waiting frame, if the failure tells of it; else that frame was all right.
     void Fail(const Error& Failure);
 
     /// Takes the waiting frame away unreported.

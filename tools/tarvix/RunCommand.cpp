@@ -1,7 +1,6 @@
 #include "tarvix/script/clsLINScriptInterpreter.h"
 #include "tools/tarvix/BusSession.h"
 #include "tools/tarvix/Commands.h"
-#include "tools/tarvix/FrameFailure.h"
 #include "tools/tarvix/ScriptErrorReport.h"
 #include "tools/tarvix/ScriptFile.h"
 
@@ -22,17 +21,6 @@ struct Progress {
     }
 };
 
-/// Whatever was the last thing on the bus, its command is over.
-void ReportFailure(BusSession& Session, const ScriptFile& Script, std::int32_t CodePos, const Error& Failure)
-{
-    if (IsFrameFailure(Failure)) {
-        Session.Frames().Fail(Failure);
-    } else {
-        Session.Frames().Settle();
-    }
-    Session.Console().Complain(ScriptErrorReport(Script, CodePos, Failure));
-}
-
 ExitStatus RunScripts(BusSession& Session, const std::vector<ScriptFile>& Scripts)
 {
     Progress Done;
@@ -49,7 +37,8 @@ ExitStatus RunScripts(BusSession& Session, const std::vector<ScriptFile>& Script
         try {
             Interpreter.ExecuteScript(std::u16string_view(Script.Text));
         } catch (const Error& Failure) {
-            ReportFailure(Session, Script, Interpreter.CodePos(), Failure);
+            Session.Frames().Fail(Failure);
+            Session.Console().Complain(ScriptErrorReport(Script, Interpreter.CodePos(), Failure));
             return SomethingFailed;
         }
         Done.Before += Script.Text.size();

@@ -43,18 +43,18 @@ std::optional<FrameReport> Ask(BusSession& Session, std::uint8_t Identifier)
         constexpr std::int32_t LongestLength = 8;
         Answered = Session.Master().ReadFrame(clsLIN::ComputeIDParity(Identifier), LongestLength, false);
     } catch (const Error& Failure) {
-        if (!IsFrameFailure(Failure)) {
-            throw; // the device
-        }
-        if (!Failure.Is(errLIN::errResponseLength)) { // any length is welcome
-            Fault = Failure;
-        }
+        Fault = Failure;
     }
     std::optional<FrameReport> Frame = Session.Frames().Take();
+    if (Fault && !(Frame && TellsOf(*Fault, *Frame))) {
+        throw *Fault; // of the device: it would meet every further read
+    }
     if (!Answered || !Frame) {
         return std::nullopt;
     }
-    Frame->Failure = Fault;
+    if (Fault && !Fault->Is(errLIN::errResponseLength)) { // any length is welcome
+        Frame->Failure = Fault;
+    }
     Judge(*Frame);
     return Frame;
 }

@@ -40,6 +40,7 @@ Place PlaceOf(std::u16string_view Script, std::int32_t CodePos)
         --Index;
     }
     Index -= Index > 0 ? 1 : 0;
+    Index -= Index > 0 && IsLowSurrogate(Script[Index]) ? 1 : 0; // a pair is one character
 
     const std::u16string_view Before = Script.substr(0, Index);
     const std::size_t Begin = Before.rfind(u'\n') + 1; // none found: 0
@@ -56,10 +57,14 @@ Place Clipped(Place Full)
     constexpr std::size_t Before = 70;
     constexpr std::size_t Width = 100;
     if (Full.LineText.size() > Width && Full.Unit > Before) {
-        Full.LineText.remove_prefix(Full.Unit - Before);
-        Full.Unit = Before;
+        std::size_t Cut = Full.Unit - Before;
+        Cut += IsLowSurrogate(Full.LineText[Cut]) ? 1 : 0;
+        Full.LineText.remove_prefix(Cut);
+        Full.Unit -= Cut;
     }
-    Full.LineText = Full.LineText.substr(0, Width);
+    if (Full.LineText.size() > Width) {
+        Full.LineText = Full.LineText.substr(0, IsLowSurrogate(Full.LineText[Width]) ? Width - 1 : Width);
+    }
     return Full;
 }
 

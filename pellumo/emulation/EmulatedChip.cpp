@@ -153,7 +153,7 @@ void EmulatedChip::ShiftBits(const Command& Head)
         if (Head.Has(Shift::Write)) {
             KeepDataLevel(Data >> k & 1);
         }
-        In = static_cast<std::uint8_t>(In >> 1 | ClockBit(DataLevel()) << 7);
+        In = static_cast<std::uint8_t>(In >> 1 | ClockBit(DataLevel(), Head.Has(Shift::Read)) << 7);
     }
     if (Head.Has(Shift::Read)) {
         Answer(LSBFirst ? In : Reversed(In));
@@ -173,23 +173,20 @@ std::span<std::uint8_t> EmulatedChip::ClockBytes(std::span<const std::uint8_t> O
     } else {
         Wires_->Clock(Out, In, SampleTicks());
     }
-    if (DrivesData()) {
-        KeepDataLevel(Out.back() >> 7);
-    }
+    KeepDataLevel(Out.back() >> 7);
     return In;
 }
 
-// The wires take whole bytes, so a single sample goes there as eight, each an eighth as long, and is read in its second
-// half; the ticks that do not divide by eight are made up for by the next bit.
-int EmulatedChip::ClockBit(int Level)
+// The wires take whole bytes, so a single sample goes there as eight, each an eighth as long (but a tick at least), and
+// is read in its second half; the ticks that do not divide by eight are made up for by the next bit.
+int EmulatedChip::ClockBit(int Level, bool Answered)
 {
-    const std::int64_t Wanted = SampleTicks() + OwedTicks_;
-    const std::int64_t Part = std::max<std::int64_t>(Wanted / 8, 1);
-    OwedTicks_ = Wanted - 8 * Part;
+    const std::int64_t Wanted = std::max<std::int64_t>(SampleTicks() + OwedTicks_, 8);
+    OwedTicks_ = Wanted % 8;
     const std::array Out{EightTimes(Level)};
-    std::array<std::uint8_t, 1> In{};
-    Wires_->Clock(Out, In, Part);
-    return Loopback_ ? Level : In[0] >> 4 & 1;
+    std::array<std::uint8_t, 1> In = Out;
+    Wires_->Clock(Out, std::span(In).first(Answered && !Loopback_ ? 1 : 0), Wanted / 8);
+    return In[0] >> 4 & 1;
 }
 
 std::span<std::uint8_t> EmulatedChip::NewAnswers(std::size_t Count)

@@ -68,7 +68,7 @@ private:
     void ShiftBytes(const Command& Head, std::span<const std::uint8_t> Payload);
     void ShiftBits(const Command& Head);
     std::span<std::uint8_t> ClockBytes(std::span<const std::uint8_t> Out, bool Answered);
-    int ClockBit(int Level);
+    int ClockBit(int Level, bool Answered);
 
     void Answer(std::uint8_t Byte) { NewAnswers(1)[0] = Byte; }
     std::span<std::uint8_t> NewAnswers(std::size_t Count);

@@ -1,7 +1,7 @@
 #include "pellumo/emulation/EmulatedTransport.h"
 
 #include "pellumo/errPellumo.h"
-#include "tarvix/common/Raise.h"
+#include "pellumo/mpsse/RaiseForDevice.h"
 
 #include <utility>
 
@@ -9,11 +9,7 @@ namespace Pellumo {
 
 namespace {
 
-[[noreturn]] void Fail(errPellumo Number, std::string_view Name, std::string_view What)
-{
-    std::string Text = "The device \"";
-    Tarvix::Raise(Number, "EmulatedTransport", Text.append(Name).append("\" ").append(What));
-}
+constexpr std::string_view Source = "EmulatedTransport";
 
 } // namespace
 
@@ -29,9 +25,12 @@ void EmulatedTransport::Transfer(std::span<const std::uint8_t> Out, std::span<st
     Chip().Write(Out);
     const std::size_t Count = Chip().Read(In);
     if (Count < In.size()) {
-        std::string What = "answered only ";
-        Fail(errPellumo::errTimeout, Name_,
-             What.append(std::to_string(Count)).append(" of ").append(std::to_string(In.size())).append(" bytes"));
+        RaiseForDevice(errPellumo::errTimeout, Source, Name_,
+                       std::string("the chip answered only ")
+                           .append(std::to_string(Count))
+                           .append(" of ")
+                           .append(std::to_string(In.size()))
+                           .append(" bytes"));
     }
 }
 
@@ -48,7 +47,7 @@ void EmulatedTransport::Close()
 EmulatedChip& EmulatedTransport::Chip() const
 {
     if (!Chip_) {
-        Fail(errPellumo::errClosed, Name_, "has been closed");
+        RaiseForDevice(errPellumo::errClosed, Source, Name_, "the device has been closed. Open it again to go on");
     }
     return *Chip_;
 }

@@ -3,10 +3,11 @@
 #include "pellumo/errPellumo.h"
 #include "pellumo/mpsse/ClockDivisor.h"
 #include "pellumo/mpsse/Commands.h"
-#include "tarvix/common/Raise.h"
+#include "pellumo/mpsse/RaiseForDevice.h"
 
 #include <algorithm>
 #include <array>
+#include <charconv>
 #include <string>
 #include <utility>
 
@@ -39,6 +40,14 @@ constexpr std::uint8_t LowByte(std::size_t Value) noexcept
 constexpr std::uint8_t HighByte(std::size_t Value) noexcept
 {
     return static_cast<std::uint8_t>(Value >> 8 & 0xFF);
+}
+
+// The shortest form that reads back as the same number, whatever the locale.
+std::string RealText(double Value)
+{
+    std::array<char, 32> Text{};
+    const auto Result = std::to_chars(Text.data(), Text.data() + Text.size(), Value);
+    return {Text.data(), Result.ptr};
 }
 
 // For where another failure is on its way already, or nobody is left who could be told.
@@ -88,7 +97,7 @@ void MPSSEDevice::SetOption(std::int32_t Option)
 {
     RequireOpen();
     if (Option != 0) {
-        Fail(errPellumo::errUnsupported, "has only the option 0, the plain mode");
+        Fail(errPellumo::errUnsupported, "the option must be 0, the plain mode");
     }
     if (HighSpeed_) {
         Transfer(std::array{Commands::DivideBy5Off, Commands::AdaptiveClockingOff, Commands::ThreePhaseOff,
@@ -103,9 +112,10 @@ std::int32_t MPSSEDevice::DivisorForFrequency(double Frequency)
     RequireOpen();
     const auto Divisor = NearestDivisor(Frequency, HighSpeed_);
     if (!Divisor) {
-        Fail(errPellumo::errFrequency, HighSpeed_
-                                           ? "has no divisor for this sample clock: 457.8 Hz to 30 MHz can be had"
-                                           : "has no divisor for this sample clock: 91.6 Hz to 6 MHz can be had");
+        Fail(errPellumo::errFrequency,
+             std::string("no divisor gives a sample clock of ")
+                 .append(RealText(Frequency))
+                 .append(HighSpeed_ ? " Hz; it can be 457.8 Hz to 30 MHz" : " Hz; it can be 91.6 Hz to 6 MHz"));
     }
     return *Divisor;
 }
@@ -145,7 +155,7 @@ void MPSSEDevice::ExchangeSamples(std::span<std::uint8_t> Samples, std::int32_t 
     RequireMode(LSBFirst, WriteEdge);
     if (ReadEdge != 0) {
         Fail(errPellumo::errUnsupported,
-             "reads a sample only on the edge after the one that put it out: ReadEdge is 0");
+             "ReadEdge must be 0: a sample is read on the edge after the one that put it out");
     }
     const std::size_t Count = RequireCount(ByteCount, Samples.size());
     const std::uint8_t Opcode = ReadOnOtherEdge(ShiftOpcode(LSBFirst, WriteEdge));
@@ -172,44 +182,43 @@ void MPSSEDevice::Close()
 template <typename Enum>
 void MPSSEDevice::Fail(Enum Number, std::string_view What) const
 {
-    std::string Text = "The device \"";
-    Text.append(Transport_->Name()).append("\" ").append(What);
-    Tarvix::Raise(Number, "MPSSEDevice", Text);
+    RaiseForDevice(Number, "MPSSEDevice", Transport_->Name(), What);
 }
 
 void MPSSEDevice::RequireOpen() const
 {
     if (!Open_) {
-        Fail(errPellumo::errClosed, "has been closed; open it again to go on");
+        Fail(errPellumo::errClosed, "the device has been closed. Open it again to go on");
     }
 }
 
 void MPSSEDevice::RequireDivisor(std::int32_t Divisor) const
 {
     if (!IsDivisor(Divisor)) {
-        Fail(errPellumo::errDivisor, std::string("has divisors from 0 to 65535, not ").append(std::to_string(Divisor)));
+        Fail(errPellumo::errDivisor,
+             std::string("the divisor ").append(std::to_string(Divisor)).append(" is not from 0 to 65535"));
     }
 }
 
 void MPSSEDevice::RequireMode(std::int32_t LSBFirst, std::int32_t WriteEdge) const
 {
     if (LSBFirst != 0 && LSBFirst != 1) {
-        Fail(errPellumo::errUnsupported,
-             "clocks bit 0 of a byte first (LSBFirst 1) or bit 7 (0), and knows no third way");
+        Fail(errPellumo::errUnsupported, "LSBFirst must be 1 (bit 0 of a byte goes first) or 0 (bit 7)");
     }
     if (WriteEdge != 0 && WriteEdge != 1) {
-        Fail(errPellumo::errUnsupported, "puts samples out on the rising edge (WriteEdge 0) or the falling edge (1)");
+        Fail(errPellumo::errUnsupported,
+             "WriteEdge must be 0 (samples are put out on the rising edge) or 1 (falling edge)");
     }
 }
 
 std::size_t MPSSEDevice::RequireCount(std::int32_t ByteCount, std::size_t Available) const
 {
     if (ByteCount < 0) {
-        Fail(errGeneral::errInvalidArgument, "cannot clock a negative number of bytes");
+        Fail(errGeneral::errInvalidArgument, "the number of bytes is negative");
     }
     const auto Count = static_cast<std::size_t>(ByteCount);
     if (Count > Available) {
-        Fail(errGeneral::errIndexOutOfRange, "was asked to clock more bytes than there are samples");
+        Fail(errGeneral::errIndexOutOfRange, "there are fewer samples than bytes to clock");
     }
     return Count;
 }
@@ -238,7 +247,7 @@ void MPSSEDevice::Synchronise()
         Answer = {};
     }
     if (Answer != std::array{Commands::Bad, Commands::Bogus}) {
-        Fail(errPellumo::errNoEngine, "does not answer as an MPSSE engine does; unplug it, plug it in and try again");
+        Fail(errPellumo::errNoEngine, "no MPSSE engine answers. Unplug the chip, plug it in and open it again");
     }
     Queued_ = Ticks(0);
     InStep_ = true;

@@ -94,7 +94,11 @@ void FrameDecoder::OnStream(const SampleStream& Stream)
 void FrameDecoder::DecodeExchange(BusEvent& Event)
 {
     if (!DecodeHeader(Event) || !DecodeSent(Event)) {
-        Event = {.Kind = BusEventKind::Other, .Stream = Event.Stream, .Seconds = Event.Seconds};
+        BusEvent Other;
+        Other.Kind = BusEventKind::Other;
+        Other.Stream = Event.Stream;
+        Other.Seconds = Event.Seconds;
+        Event = Other;
         return;
     }
     DecodeReceived(Event);

@@ -71,9 +71,13 @@ void AddSentFields(const BusEvent& Event, std::vector<FrameField>& Fields)
 {
     for (std::size_t i = 0; i < Event.Sent.size(); ++i) {
         const std::int64_t First = Event.ResponseBegin + FramedByte * static_cast<std::int64_t>(i);
-        const bool Differs = i < Event.Received.size() && Event.Received[i] != Event.Sent[i];
         const bool Missing = i >= Event.Received.size();
-        Fields.push_back({First, First + FramedByte, {}, Hex(Event.Sent[i]), false, Differs || Missing});
+        const bool Differs = !Missing && Event.Received[i] != Event.Sent[i];
+        std::string Value = Hex(Event.Sent[i]);
+        if (Differs) {
+            Value.append("\u2192").append(TwoDigits(Event.Received[i])); // sent, then seen
+        }
+        Fields.push_back({First, First + FramedByte, {}, std::move(Value), false, Missing || Differs});
     }
 }
 
@@ -122,16 +126,17 @@ void AddTiming(const BusEvent& Event, std::vector<std::string>& Facts)
     if (!Timing) {
         return;
     }
-    Facts.push_back(std::string("answered after ").append(Decimal(Timing->ResponseSpace, 1)).append(" bit"));
+    Facts.push_back(std::string("response space ").append(Decimal(Timing->ResponseSpace, 1)).append(" bit"));
     if (Timing->Clock) {
-        Facts.push_back(std::string("slave's clock ")
+        Facts.push_back(std::string("slave clock ")
                             .append(std::signbit(Timing->Clock->Deviation) ? "\u2212" : "+")
                             .append(Decimal(std::fabs(Timing->Clock->Deviation), 2))
-                            .append(" % \u00B1 ")
-                            .append(Decimal(Timing->Clock->Accuracy, 2)));
+                            .append(" \u00B1 ")
+                            .append(Decimal(Timing->Clock->Accuracy, 2))
+                            .append(" %"));
     }
-    Facts.push_back(std::string("longest gap ").append(Decimal(Timing->LongestGap, 1)).append(" bit"));
-    Facts.push_back(std::string("margin ").append(std::to_string(Timing->Margin)).append(" samples"));
+    Facts.push_back(std::string("gap ").append(Decimal(Timing->LongestGap, 1)).append(" bit"));
+    Facts.push_back(std::string("margin ").append(std::to_string(Timing->Margin)));
 }
 
 } // namespace
@@ -174,17 +179,18 @@ FrameNotes NotesOn(const BusEvent& Event)
     if (Event.Fault != ResponseFault::None) {
         Notes.Faults.push_back(FaultText(Event));
     }
-    if (Event.Kind == BusEventKind::Read) {
-        if (Event.Received.empty() && Event.Fault == ResponseFault::None) {
-            Notes.Faults.emplace_back("no answer");
-        }
-        AddTiming(Event, Notes.Facts);
+    const bool IsRead = Event.Kind == BusEventKind::Read;
+    if (IsRead && Event.Received.empty() && Event.Fault == ResponseFault::None) {
+        Notes.Faults.emplace_back("no answer");
     }
     if (HasWrongChecksum(Event)) {
         Notes.Faults.emplace_back("checksum fits neither model");
     } else if (const auto Bytes = Response(Event); !Bytes.empty()) {
         const bool Enhanced = ModelOf(Event.ProtectedIdentifier, Bytes) == ChecksumModel::Enhanced;
         Notes.Facts.emplace_back(Enhanced ? "enhanced checksum" : "classic checksum");
+    }
+    if (IsRead) {
+        AddTiming(Event, Notes.Facts);
     }
     return Notes;
 }

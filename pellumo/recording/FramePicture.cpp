@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <span>
+#include <vector>
 
 namespace Pellumo {
 
@@ -78,15 +79,12 @@ std::string DrawField(const FrameField& Field)
         Tenths(FramePicture::LeftMargin + FramePicture::SampleWidth * (Field.First + Field.End) / 2);
     std::string Markup = Box(Field.BySlave ? "slave" : "commander", Field, BoxTop, BoxHeight);
     Markup += Box(Field.BySlave ? "slave-band" : "commander-band", Field, BoxTop, BandHeight);
-    if (Field.Faulty) {
-        Markup += Box("faulty", Field, BoxTop, BoxHeight);
-    }
     Markup += TextAt("name", Middle, NameLine, Field.Name);
     Markup += TextAt(Field.Faulty ? "value fault" : "value", Middle, ValueLine, Field.Value);
     return Markup.append("\n");
 }
 
-/// The samples [First, End) as a line.
+/// The samples [First, End) as a line, from the level before them on.
 std::string DrawLevel(const char* Class, std::span<const std::uint8_t> Samples, std::int64_t First, std::int64_t End)
 {
     const auto LevelAt = [Samples](std::int64_t n) {
@@ -95,15 +93,45 @@ std::string DrawLevel(const char* Class, std::span<const std::uint8_t> Samples, 
     if (First >= End) {
         return {};
     }
-    std::string Path = std::string("M").append(X(First)).append(" ").append(LevelAt(First));
+    std::string Path =
+        std::string("M").append(X(First)).append(" ").append(LevelAt(std::max<std::int64_t>(First - 1, 0)));
     for (std::int64_t n = First; n < End;) {
+        Path.append("V").append(LevelAt(n));
         n = std::min(End, static_cast<std::int64_t>(EndOfRun(Samples, static_cast<std::size_t>(n))));
         Path.append("H").append(X(n));
-        if (n < End) {
-            Path.append("V").append(LevelAt(n));
-        }
     }
     return Element("path", {{"class", Class}, {"d", Path}}).append("\n");
+}
+
+/// What the commander drove where the bus did not follow, from the first byte of samples that differs to the last.
+std::string DrawDriven(const BusEvent& Event)
+{
+    const auto Tx = Event.Stream.Tx;
+    const auto Rx = Event.Stream.Rx.first(
+        Event.Kind == BusEventKind::Read ? static_cast<std::size_t>(Event.ResponseBegin) / 8 : Tx.size());
+    const auto First = std::mismatch(Rx.begin(), Rx.end(), Tx.begin()).first - Rx.begin();
+    auto End = static_cast<std::ptrdiff_t>(Rx.size());
+    while (End > First && Rx[static_cast<std::size_t>(End) - 1] == Tx[static_cast<std::size_t>(End) - 1]) {
+        --End;
+    }
+    return DrawLevel("driven", Tx, First * 8, End * 8);
+}
+
+/// The bus, each part in the manner of who was to drive it.
+std::string DrawLevels(const BusEvent& Event, const FrameField& LastField, std::int64_t End)
+{
+    if (Event.Kind != BusEventKind::Read) {
+        return DrawLevel("commander-level", Event.Stream.Rx, 0, End);
+    }
+    const std::int64_t CommanderEnd = Event.ResponseBegin;
+    const auto FirstEdge = Event.StartEdges.empty() ? Event.FaultStartEdge : Event.StartEdges.front();
+    const bool Answered = LastField.BySlave;
+    const std::int64_t AnswerBegin = Answered ? FirstEdge : CommanderEnd;
+    const std::int64_t AnswerEnd = Answered ? LastField.End : CommanderEnd;
+    std::string Markup = DrawLevel("commander-level", Event.Stream.Rx, 0, CommanderEnd);
+    Markup += DrawLevel("idle-level", Event.Stream.Rx, CommanderEnd, AnswerBegin);
+    Markup += DrawLevel("slave-level", Event.Stream.Rx, AnswerBegin, AnswerEnd);
+    return Markup + DrawLevel("idle-level", Event.Stream.Rx, AnswerEnd, End);
 }
 
 /// A short stroke for every sample that judged a bit of the response.
@@ -121,15 +149,20 @@ std::string DrawSamplingPoints(const BusEvent& Event)
     return Path.empty() ? Path : Element("path", {{"class", "sampling"}, {"d", Path}}).append("\n");
 }
 
-std::string DrawFault(const BusEvent& Event)
+/// Outlines of the fields at fault, and a cross at the sample that ended decoding.
+std::string DrawFaults(const BusEvent& Event, std::span<const FrameField> Fields)
 {
+    std::string Markup;
+    for (const FrameField& Field : Fields) {
+        Markup += Field.Faulty ? Box("faulty", Field, BoxTop, BoxHeight).append("\n") : "";
+    }
     if (Event.Fault == ResponseFault::None) {
-        return {};
+        return Markup;
     }
     const int Middle = (RecessiveLevel + DominantLevel) / 2;
     const std::string Cross =
         std::string("M").append(X(Event.FaultSample)).append(" ").append(Y(Middle)).append("m-5-5l10 10m0-10l-10 10");
-    return Element("path", {{"class", "cross"}, {"d", Cross}}).append("\n");
+    return Markup + Element("path", {{"class", "cross"}, {"d", Cross}}).append("\n");
 }
 
 std::string DrawAxis(const SampleStream& Stream, std::int64_t End)
@@ -139,9 +172,10 @@ std::string DrawAxis(const SampleStream& Stream, std::int64_t End)
     for (const char* const Class : {"axis", "axis ticks", "axis marks"}) {
         Markup += Element("path", {{"class", Class}, {"d", Line}});
     }
-    const std::string Left = Tenths(FramePicture::LeftMargin - 120);
-    Markup += TextAt("unit", Left, RecessiveLevel + 3, "recessive");
-    Markup += TextAt("unit", Left, DominantLevel + 3, "dominant");
+    const std::string Left = Tenths(FramePicture::LeftMargin - 200);
+    const std::string BesideLevel = Tenths(FramePicture::LeftMargin - 80);
+    Markup += TextAt("unit", BesideLevel, RecessiveLevel + 3, "recessive");
+    Markup += TextAt("unit", BesideLevel, DominantLevel + 3, "dominant");
     Markup += TextAt("unit", Left, BitLine, "bit");
     const bool ClockKnown = Stream.Frequency > 0.0;
     Markup += ClockKnown ? TextAt("unit", Left, TimeLine, "ms") : "";
@@ -196,7 +230,7 @@ Heading HeadingOf(const BusEvent& Event)
     }
     Result.Add("title", Title);
     if (Event.Stream.Frequency > 0.0) {
-        Result.Add("fact", Decimal(1000.0 * Event.Seconds, 3).append(" ms"));
+        Result.Add("fact", std::string("at ").append(Decimal(1000.0 * Event.Seconds, 3)).append(" ms"));
         Result.Add("fact", Decimal(Event.Stream.Frequency / static_cast<double>(Bit), 0).append(" bit/s"));
     }
     const FrameNotes Notes = NotesOn(Event);
@@ -213,28 +247,24 @@ Heading HeadingOf(const BusEvent& Event)
 
 FramePicture DrawFrame(const BusEvent& Event)
 {
-    constexpr std::int64_t CharacterWidth = 66;
+    constexpr std::int64_t CharacterWidth = 64;
     constexpr std::int64_t RightMargin = 240;
     const std::int64_t End = DrawnSamples(Event);
-    const bool FromSlave = Event.Kind == BusEventKind::Read;
-    const std::int64_t CommanderEnd = FromSlave ? Event.ResponseBegin : End;
     const Heading Above = HeadingOf(Event);
+    const std::vector<FrameField> Fields = FieldsOf(Event);
 
     FramePicture Picture;
     Picture.Markup =
         Element("text", {{"class", "heading"}, {"x", "16"}, {"y", Y(HeadingLine)}}, Above.Markup).append("\n");
-    for (const FrameField& Field : FieldsOf(Event)) {
+    for (const FrameField& Field : Fields) {
         Picture.Markup += DrawField(Field);
     }
+    Picture.Markup += DrawLevels(Event, Fields.back(), End);
     if (Event.Kind != BusEventKind::Break && IsDisturbed(Event)) {
-        Picture.Markup += DrawLevel("driven", Event.Stream.Tx, 0, CommanderEnd);
-    }
-    Picture.Markup += DrawLevel("commander-level", Event.Stream.Rx, 0, CommanderEnd);
-    if (FromSlave) {
-        Picture.Markup += DrawLevel("slave-level", Event.Stream.Rx, CommanderEnd, End);
+        Picture.Markup += DrawDriven(Event);
     }
     Picture.Markup += DrawSamplingPoints(Event);
-    Picture.Markup += DrawFault(Event);
+    Picture.Markup += DrawFaults(Event, Fields);
     Picture.Markup += DrawAxis(Event.Stream, End);
 
     const std::int64_t Drawn = FramePicture::LeftMargin + FramePicture::SampleWidth * End;

@@ -13,7 +13,7 @@ namespace {
 constexpr std::int64_t HeadHeight = 740;
 constexpr std::int64_t MinimumWidth = 9000;
 
-constexpr std::string_view Style = R"(<style>
+constexpr std::string_view Style = R"svg(<style>
 text{font:11.5px system-ui,-apple-system,"Segoe UI","DejaVu Sans",sans-serif;fill:#1f2328}
 .page{fill:#fff}
 .headline{font-size:18px;font-weight:600}
@@ -25,6 +25,7 @@ text{font:11.5px system-ui,-apple-system,"Segoe UI","DejaVu Sans",sans-serif;fil
 .unit{text-anchor:end}
 .number{text-anchor:middle;font-variant-numeric:tabular-nums}
 .fault{fill:#c4122f;font-weight:600}
+.commander,.slave{stroke:#fff}
 .commander{fill:#ddf0ff}
 .slave{fill:#fff0d9}
 .commander-band{fill:#2f78c4}
@@ -32,10 +33,11 @@ text{font:11.5px system-ui,-apple-system,"Segoe UI","DejaVu Sans",sans-serif;fil
 #hatch rect{fill:#fff0d9}
 #hatch path{stroke:#a85b00;stroke-width:2.4}
 .faulty{fill:none;stroke:#c4122f;stroke-width:1.6;stroke-dasharray:4 2}
-.commander-level,.slave-level,.driven,.axis,.sampling,.cross{fill:none}
+.commander-level,.slave-level,.idle-level,.driven,.axis,.sampling,.cross{fill:none}
 .commander-level{stroke:#0b4f9e;stroke-width:1.5}
 .slave-level{stroke:#8a4500;stroke-width:2.4}
-.driven{stroke:#57606a;stroke-width:1;stroke-dasharray:2 2}
+.idle-level{stroke:#8c959f;stroke-width:1.5}
+.driven{stroke:#c4122f;stroke-width:1.4;stroke-dasharray:2.5 2}
 .cross{stroke:#c4122f;stroke-width:2.4}
 .axis,.sampling{stroke:#8c959f}
 .ticks{stroke-width:5;stroke-dasharray:.8 5.6}
@@ -45,25 +47,27 @@ text{fill:#e6edf3}
 .page{fill:#0d1117}
 .name,.fact,.unit,.number{fill:#9aa4af}
 .fault{fill:#ff8078}
+.commander,.slave{stroke:#0d1117}
 .commander{fill:#12263f}
 .slave,#hatch rect{fill:#38260f}
 .commander-band{fill:#4a90d9}
 #hatch path{stroke:#f0a04b}
-.faulty,.cross{stroke:#ff8078}
+.faulty,.cross,.driven{stroke:#ff8078}
 .commander-level{stroke:#7cb8ff}
 .slave-level{stroke:#ffb86b}
-.driven{stroke:#9aa4af}
-.axis,.sampling{stroke:#6e7781}
+.axis,.sampling,.idle-level{stroke:#7d8590}
 }
 </style>
 <defs><pattern id="hatch" width="5" height="5" patternUnits="userSpaceOnUse" patternTransform="rotate(45)"><rect width="5" height="5"/><path d="M1.2 0V5"/></pattern></defs>
-)";
+)svg";
 
-constexpr std::string_view Legend = R"(<rect class="commander" x="16" y="40" width="22" height="14"/><rect class="commander-band" x="16" y="40" width="22" height="4"/><text x="44" y="51">sent by the commander</text>
+constexpr std::string_view Legend =
+    R"svg(<rect class="commander" x="16" y="40" width="22" height="14"/><rect class="commander-band" x="16" y="40" width="22" height="4"/><text x="44" y="51">sent by the commander</text>
 <rect class="slave" x="196" y="40" width="22" height="14"/><rect class="slave-band" x="196" y="40" width="22" height="4"/><text x="224" y="51">answered by a slave</text>
 <path class="sampling" d="M366 45v6m6-6v6m6-6v6"/><text x="386" y="51">samples that judged a bit</text>
 <rect class="faulty" x="548" y="40" width="22" height="14"/><text x="576" y="51">fault</text>
-)";
+<path class="driven" d="M628 47h22"/><text x="656" y="51">driven, where the bus did not follow</text>
+)svg";
 
 } // namespace
 

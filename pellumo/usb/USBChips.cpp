@@ -29,7 +29,7 @@ std::optional<ChipFamily> FamilyOfRelease(std::uint16_t Release) noexcept
 std::string Hexadecimal(std::uint16_t Value)
 {
     std::array<char, 4> Digits{};
-    const auto End = std::to_chars(Digits.data(), Digits.data() + Digits.size(), Value, 16).ptr;
+    const char* const End = std::to_chars(Digits.data(), Digits.data() + Digits.size(), Value, 16).ptr;
     const auto Count = static_cast<std::size_t>(End - Digits.data());
     return std::string("0x").append(4 - Count, '0').append(Digits.data(), Count);
 }

@@ -15,19 +15,23 @@ namespace {
 constexpr std::string_view Source = "USBPort";
 
 // How long the chip may take to answer one request (ms).
-constexpr int RequestLimit = 1000;
+constexpr int AnswerLimit = 1000;
 
 // The chip ends a read with what it has, be it nothing, when this time is over; the longest that it can be told (ms).
 // An answer that is complete earlier is flushed by the commands themselves, so nobody waits for it.
 constexpr unsigned char LatencyTimer = 255;
+
+// A question to the chip that is not part of the USB standard.
+constexpr std::uint8_t ChipQuestion =
+    unsigned{LIBUSB_ENDPOINT_IN} | unsigned{LIBUSB_REQUEST_TYPE_VENDOR} | unsigned{LIBUSB_RECIPIENT_DEVICE};
 
 } // namespace
 
 USBPort::USBPort(FTDIContext Context, USBChip Chip, int Interface)
     : Context_(std::move(Context)), Chip_(std::move(Chip)), Name_(Chip_.URL(Interface)), Interface_(Interface)
 {
-    Context_->usb_read_timeout = RequestLimit;
-    Context_->usb_write_timeout = RequestLimit;
+    Context_->usb_read_timeout = AnswerLimit;
+    Context_->usb_write_timeout = AnswerLimit;
     ftdi_set_interface(Context_.get(), static_cast<ftdi_interface>(Interface));
     FindEndpoints();
     Open();
@@ -123,8 +127,8 @@ int USBPort::CauseOfFailure()
 {
     unsigned char Latency = 0;
     const int Code =
-        libusb_control_transfer(Handle(), FTDI_DEVICE_IN_REQTYPE, SIO_GET_LATENCY_TIMER_REQUEST, 0,
-                                static_cast<std::uint16_t>(Context_->index), &Latency, sizeof(Latency), RequestLimit);
+        libusb_control_transfer(Handle(), ChipQuestion, SIO_GET_LATENCY_TIMER_REQUEST, 0,
+                                static_cast<std::uint16_t>(Context_->index), &Latency, sizeof(Latency), AnswerLimit);
     return Code < 0 ? Code : LIBUSB_ERROR_PIPE;
 }
 

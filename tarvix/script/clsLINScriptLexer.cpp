@@ -220,8 +220,7 @@ void RequirePositions(std::size_t Length)
 
 void clsLINScriptLexer::ScanInput(std::u16string_view InputString)
 {
-    CheckedNarrow<std::int32_t>(static_cast<std::int64_t>(InputString.size()) +
-                                1); // before anything that long is copied
+    RequirePositions(InputString.size()); // before anything that long is copied
     TakeInput(std::u16string(InputString));
 }
 

@@ -61,7 +61,7 @@ public:
     /// literal that failed.
     ///
     /// @param TokenValue    literals separated by white space: hexadecimal digits, or digits after one of the prefixes
-    ///                      'h 'b 'o 'd (hexadecimal, binary, octal, decimal); "_" between digits is ignored
+    ///                      'h 'b 'o 'd (hexadecimal, binary, octal, decimal); "_" among the digits is ignored
     /// @param ResultLength  number of bytes
     /// @param Result        as many bytes as `TokenValue` has code units; the first `ResultLength` are the result, the
     ///                      others 0. Its memory is used again.

@@ -82,7 +82,8 @@ private:
     void WriteHeader(std::int32_t BreakWidth, std::uint8_t SyncField, std::uint8_t ID);
     void SendStream();
     void ExchangeStream(std::int32_t StartSamplePoint);
-    bool WaitForStartEdge();
+    template <typename TakeByte>
+    void DecodeBytes(TakeByte Take);
     std::uint8_t ReadFramedByte();
 
     FTDIMPSSE* Device_ = nullptr;

@@ -19,6 +19,11 @@ constexpr std::int32_t ResponseBits = 14 * FramedBits;
     Raise(errLINViaFTDIMPSSE::errTxRxMismatch, "clsLINViaFTDIMPSSE", "Transmission corrupted, Tx <> Rx");
 }
 
+[[noreturn]] void RaiseFraming()
+{
+    Raise(errLINViaFTDIMPSSE::errFraming, "clsLINViaFTDIMPSSE", "Framing error");
+}
+
 template <typename Byte>
 Byte& At(std::span<Byte> Bytes, std::int32_t Index)
 {
@@ -29,6 +34,23 @@ Byte& At(std::span<Byte> Bytes, std::int32_t Index)
 }
 
 } // namespace
+
+// Hands over the bytes that came back, each as soon as it is judged, so that the first fault decides.
+template <typename TakeByte>
+void clsLINViaFTDIMPSSE::DecodeBytes(TakeByte Take)
+{
+    std::array<std::uint8_t, 16> Run; // NOLINT(cppcoreguidelines-pro-type-member-init): written before it is read
+    while (!Buffer_.EndOfData()) {
+        const std::size_t Count = Buffer_.SampleFramedRun(Run);
+        for (std::size_t i = 0; i < Count; ++i) {
+            Take(Run[i]);
+        }
+        // A run that ends early ends with the stream or at a fault.
+        if (Count < Run.size() && !Buffer_.EndOfData() && Buffer_.WaitForSample(eb0)) {
+            Take(ReadFramedByte());
+        }
+    }
+}
 
 void clsLINViaFTDIMPSSE::LINTransmit(std::int32_t BreakWidth, std::uint8_t SyncField, std::uint8_t ID,
                                      std::span<const std::uint8_t> TxData, std::int32_t TxDataLen)
@@ -47,13 +69,12 @@ void clsLINViaFTDIMPSSE::LINTransmit(std::int32_t BreakWidth, std::uint8_t SyncF
     ExchangeStream(StartSamplePoint);
 
     std::int32_t Received = 0;
-    while (WaitForStartEdge()) {
-        const std::uint8_t DataByte = ReadFramedByte();
+    DecodeBytes([&](std::uint8_t DataByte) {
         if (At(TxData, Received) != DataByte) {
             RaiseMismatch();
         }
         ++Received;
-    }
+    });
     if (Received != TxDataLen) {
         RaiseMismatch();
     }
@@ -69,11 +90,10 @@ void clsLINViaFTDIMPSSE::LINReceive(std::int32_t BreakWidth, std::uint8_t SyncFi
     ExchangeStream(StartSamplePoint);
 
     RxDataLen = 0;
-    while (WaitForStartEdge()) {
-        const std::uint8_t DataByte = ReadFramedByte();
+    DecodeBytes([&](std::uint8_t DataByte) {
         At(RxData, RxDataLen) = DataByte;
         ++RxDataLen;
-    }
+    });
 }
 
 void clsLINViaFTDIMPSSE::WriteHeader(std::int32_t BreakWidth, std::uint8_t SyncField, std::uint8_t ID)
@@ -83,18 +103,16 @@ void clsLINViaFTDIMPSSE::WriteHeader(std::int32_t BreakWidth, std::uint8_t SyncF
     Buffer_.WriteFramedBytes(Fields);
 }
 
-bool clsLINViaFTDIMPSSE::WaitForStartEdge()
-{
-    return !Buffer_.EndOfData() && Buffer_.WaitForSample(eb0);
-}
-
 std::uint8_t clsLINViaFTDIMPSSE::ReadFramedByte()
 {
-    const std::int32_t DataByte = Buffer_.SampleFramedByte();
-    if (DataByte == clsOversamplingBuffer::FramingFault) {
-        Raise(errLINViaFTDIMPSSE::errFraming, "clsLINViaFTDIMPSSE", "Framing error");
+    if (Buffer_.SampleBit() != eb0) {
+        RaiseFraming();
     }
-    return static_cast<std::uint8_t>(DataByte);
+    const std::uint8_t DataByte = Buffer_.SampleByteLSB();
+    if (Buffer_.SampleHalfBit() != eb1) {
+        RaiseFraming();
+    }
+    return DataByte;
 }
 
 } // namespace Tarvix

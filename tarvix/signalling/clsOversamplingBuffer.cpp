@@ -98,6 +98,22 @@ std::int64_t Find(std::span<const std::uint8_t> Bytes, std::int64_t First, std::
     return std::min(Limit, static_cast<std::int64_t>(Byte) * 8 + std::countr_zero(Bits));
 }
 
+// The first dominant sample. From the middle of a stop bit it is four recessive samples to the next byte when there is
+// no pause: to guess so costs little, and spares the processor to wait for each byte's place before it looks at the
+// next one.
+std::int64_t FindStartEdge(std::span<const std::uint8_t> Bytes, std::int64_t First, std::int64_t Limit) noexcept
+{
+    constexpr unsigned FourRecessiveOneDominant = 0x0F;
+    if (First + ByteRatio < Limit) {
+        const std::uint8_t* const Here = &Bytes[static_cast<std::size_t>(First / 8)];
+        const unsigned Samples = Here[0] | unsigned{Here[1]} << 8;
+        if ((Samples >> First % 8 & 0x1F) == FourRecessiveOneDominant) {
+            return First + ByteRatio / 2;
+        }
+    }
+    return Find(Bytes, First, Limit, false);
+}
+
 } // namespace
 
 void clsOversamplingBuffer::Initialize(std::int32_t OversamplingRatio, std::int32_t IdleValue) noexcept
@@ -189,10 +205,6 @@ std::int32_t clsOversamplingBuffer::CurrentSample() const
 
 bool clsOversamplingBuffer::WaitForSample(std::int32_t Value)
 {
-    if (Value == 0 && NextByteFollowsAtOnce()) {
-        Position_ += ByteRatio / 2;
-        return true;
-    }
     if (CurrentSample() == Value) {
         return true;
     }
@@ -204,19 +216,6 @@ bool clsOversamplingBuffer::WaitForSample(std::int32_t Value)
         Raise(errGeneral::errIndexOutOfRange);
     }
     return Found < Limit;
-}
-
-// From the middle of a stop bit it is four recessive samples to the next byte, when there is no pause. The guess costs
-// little, and spares the processor to wait for each byte's position before it can look at the next one.
-bool clsOversamplingBuffer::NextByteFollowsAtOnce() const noexcept
-{
-    constexpr unsigned FourRecessiveOneDominant = 0x0F;
-    if (Position_ < 0 || std::int64_t{Position_} + ByteRatio >= ReadableSamples()) {
-        return false;
-    }
-    const std::uint8_t* const Bytes = &Bytes_[ByteOf(Position_)];
-    const unsigned Samples = Bytes[0] | unsigned{Bytes[1]} << 8;
-    return (Samples >> BitOf(Position_) & 0x1F) == FourRecessiveOneDominant;
 }
 
 std::int32_t clsOversamplingBuffer::SampleBit()
@@ -235,14 +234,6 @@ std::int32_t clsOversamplingBuffer::SampleHalfBit()
 
 std::uint8_t clsOversamplingBuffer::SampleByteLSB()
 {
-    const std::int64_t FirstMiddle = std::int64_t{Position_} + ByteRatio / 2;
-    const std::int64_t LastMiddle = FirstMiddle + 7 * ByteRatio;
-    if (OversamplingRatio_ == ByteRatio && Position_ >= 0 && LastMiddle < ReadableSamples()) {
-        // The eight middles are the same bit of eight bytes in a row.
-        const auto Middle = static_cast<std::int32_t>(FirstMiddle);
-        Position_ = CheckedAdd(Position_, 8 * ByteRatio);
-        return GatherBits(LoadWord(&Bytes_[ByteOf(Middle)]) >> BitOf(Middle));
-    }
     std::int32_t DataByte = 0;
     for (unsigned k = 0; k < 8; ++k) {
         DataByte |= SampleBit() << k;
@@ -259,26 +250,35 @@ std::uint8_t clsOversamplingBuffer::SampleByteMSB()
     return static_cast<std::uint8_t>(DataByte);
 }
 
-std::int32_t clsOversamplingBuffer::SampleFramedByte()
+std::size_t clsOversamplingBuffer::SampleFramedRun(std::span<std::uint8_t> DataBytes) noexcept
 {
-    const std::int64_t FirstMiddle = std::int64_t{Position_} + ByteRatio / 2;
-    const std::int64_t LastMiddle = FirstMiddle + 9 * ByteRatio;
-    if (OversamplingRatio_ != ByteRatio || Position_ < 0 || LastMiddle >= ReadableSamples()) {
-        if (SampleBit() != 0) {
-            return FramingFault;
+    const std::int64_t Limit = ReadableSamples();
+    std::int64_t Position = Position_;
+    std::size_t Count = 0;
+    if (OversamplingRatio_ != ByteRatio || Position < 0) {
+        return Count;
+    }
+    while (Count < DataBytes.size() && Position < Limit) {
+        Position = FindStartEdge(Bytes_, Position, Limit);
+        const std::int64_t StartMiddle = Position + ByteRatio / 2;
+        const std::int64_t StopMiddle = StartMiddle + std::int64_t{9} * ByteRatio;
+        if (StopMiddle >= Limit) {
+            break;
         }
-        const std::uint8_t DataByte = SampleByteLSB();
-        return SampleHalfBit() == 1 ? DataByte : FramingFault;
+        // The ten middles are the same bit of ten bytes in a row.
+        const auto Bit = static_cast<unsigned>(StartMiddle % 8);
+        const std::uint8_t* const Start = &Bytes_[static_cast<std::size_t>(StartMiddle / 8)];
+        const unsigned StartBit = Start[0] >> Bit & 1U;
+        const unsigned StopBit = Start[9] >> Bit & 1U;
+        if (StartBit != 0 || StopBit != 1) {
+            break;
+        }
+        DataBytes[Count] = GatherBits(LoadWord(Start + 1) >> Bit);
+        ++Count;
+        Position = StopMiddle;
     }
-    // The ten middles are the same bit of ten bytes in a row.
-    const unsigned Bit = BitOf(static_cast<std::int32_t>(FirstMiddle));
-    const std::uint8_t* const Start = &Bytes_[ByteOf(static_cast<std::int32_t>(FirstMiddle))];
-    if ((Start[0] >> Bit & 1) != 0) {
-        Position_ += ByteRatio;
-        return FramingFault;
-    }
-    Position_ = static_cast<std::int32_t>(LastMiddle);
-    return (Start[9] >> Bit & 1) != 0 ? GatherBits(LoadWord(Start + 1) >> Bit) : FramingFault;
+    Position_ = static_cast<std::int32_t>(Position);
+    return Count;
 }
 
 void clsOversamplingBuffer::ReserveSamples(std::int32_t Length)

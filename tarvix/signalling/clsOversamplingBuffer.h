@@ -2,6 +2,7 @@
 /// One oversampled bit stream, built to be sent and then walked to be decoded.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <span>
 #include <vector>
@@ -80,17 +81,15 @@ public:
     /// Eight bits, bit 7 first.
     /// @throws Error  as `CurrentSample`
     std::uint8_t SampleByteMSB();
-    /// What `SampleFramedByte` returns in place of a byte when the start bit is 1 or the stop bit 0 at its middle.
-    static constexpr std::int32_t FramingFault = -1;
-    /// A byte with its start and stop bit, from the start edge on: `SampleBit`, `SampleByteLSB`, `SampleHalfBit`.
-    /// @return 0 to 255, or `FramingFault`; nothing is read beyond the bit that is at fault
-    /// @throws Error  as `CurrentSample`
-    std::int32_t SampleFramedByte();
+    /// Reads bytes with their start and stop bits, each found by its start edge, for as long as all is well: what
+    /// `WaitForSample`(0), `SampleBit`, `SampleByteLSB`, `SampleHalfBit` would read in turn. Stops at the end of the
+    /// stream, when `DataBytes` is full, and on the start edge of a byte with a fault, for those operations to find it.
+    /// @return how many bytes were read
+    std::size_t SampleFramedRun(std::span<std::uint8_t> DataBytes) noexcept;
 
 private:
     void ReserveSamples(std::int32_t Length);
     std::uint8_t IdleByte() const;
-    bool NextByteFollowsAtOnce() const noexcept;
     std::int64_t ReadableSamples() const noexcept;
 
     std::int32_t OversamplingRatio_ = 0;

@@ -5,6 +5,8 @@
 #include <cstdlib>
 #include <new>
 
+// NOLINTBEGIN(cppcoreguidelines-no-malloc): what operator new stands on
+
 namespace {
 
 std::size_t Count = 0;
@@ -37,6 +39,8 @@ void Free(void* Memory) noexcept
 }
 
 } // namespace
+
+// NOLINTEND(cppcoreguidelines-no-malloc)
 
 void* operator new(std::size_t Bytes)
 {

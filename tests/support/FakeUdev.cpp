@@ -21,7 +21,7 @@ struct udev_monitor {
 };
 struct udev_list_entry {
     std::string Path;
-    udev_list_entry* Next;
+    udev_list_entry* Next = nullptr;
 };
 struct udev_enumerate {
     std::vector<std::unique_ptr<udev_list_entry>> Entries;

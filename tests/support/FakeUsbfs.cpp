@@ -137,6 +137,7 @@ int FakeUsbfs::OpenNode(FakeUSBDevice* Device)
     }
     std::array<int, 2> Ends{};
     Require(::pipe2(Ends.data(), O_CLOEXEC | O_NONBLOCK) == 0, "open a pipe");
+    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-vararg): libc has no other
     Require(::fcntl(Ends[1], F_SETPIPE_SZ, PipeBytes) == PipeBytes, "make the pipe small");
     Open_.emplace(Ends[1], OpenDevice{Device, Ends[0], true});
     ShowReadiness(Ends[1], Open_.at(Ends[1]));

@@ -22,7 +22,7 @@ public:
     {
         return static_cast<std::int32_t>(std::lround(30e6 / Frequency)) - 1;
     }
-    void SetClockDivisor(std::int32_t Divisor) override { SampleTicks_ = 2 * (Divisor + 1); }
+    void SetClockDivisor(std::int32_t Divisor) override { SampleTicks_ = std::int64_t{2} * (Divisor + 1); }
     double FrequencyForDivisor(std::int32_t Divisor) override { return 30e6 / (1.0 + Divisor); }
     void SendSamples(std::span<const std::uint8_t> Samples, std::int32_t ByteCount, std::int32_t /*LSBFirst*/,
                      std::int32_t /*WriteEdge*/) override

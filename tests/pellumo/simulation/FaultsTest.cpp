@@ -119,7 +119,7 @@ TEST(WireFaults, FindTheirFrameAndByte)
 
 TEST(WireFaults, AreSeenByTheNodesButForTheMissingEcho)
 {
-    const std::size_t SyncBit = CommanderStream::BreakSamples + 2 * 8; // a recessive bit of the sync field
+    const std::size_t SyncBit = CommanderStream::BreakSamples + 16; // a recessive bit of the sync field
     for (const auto& [Kind, Expected] :
          {std::pair{Effect::Dominant, Silence}, {Effect::NoEcho, DoorAnswer}, {Effect::Noise, Silence}}) {
         SimulatedBus Bus = DoorBusWith({{Kind, {.Sample = static_cast<std::int64_t>(SyncBit)}, 8, 1.0}});

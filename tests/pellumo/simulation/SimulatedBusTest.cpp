@@ -1,8 +1,11 @@
 #include "pellumo/simulation/ExampleBus.h"
 #include "tests/pellumo/simulation/Exchanges.h"
+#include "tests/support/AllocationCounter.h"
 #include "tests/support/Random.h"
 
 #include <gtest/gtest.h>
+
+#include <algorithm>
 
 namespace Pellumo::Testing {
 
@@ -54,7 +57,7 @@ Bytes ReadInPieces(const BusDescription& Description, const Bytes& Stream, Lengt
     SimulatedBus Bus(Description);
     Bytes In(Stream.size());
     for (std::size_t First = 0; First < Stream.size();) {
-        const std::size_t Count = std::min<std::size_t>(NextLength(), Stream.size() - First);
+        const std::size_t Count = std::min(static_cast<std::size_t>(NextLength()), Stream.size() - First);
         Bus.Clock(std::span(Stream).subspan(First, Count), std::span(In).subspan(First, Count), Ticks19200);
         First += Count;
     }
@@ -97,6 +100,22 @@ TEST(SimulatedBus, IsTheSameWhetherOrNotItIsReadAndWhenNothingIsClocked)
     EXPECT_EQ(Read(Bus, Protected21), (Decoded{{0x01, 0x02, 0x9B}}));
 }
 
+TEST(SimulatedBus, AllocatesNothingHoweverLongItRuns)
+{
+    Tarvix::Testing::Random Random;
+    for (const BusDescription& Description : {ExampleBus(), BadBus(1)}) {
+        SimulatedBus Bus(Description);
+        const Bytes Stream = MixedTraffic(Random).Data();
+        Bytes In(Stream.size());
+        Bus.Clock(Stream, In, Ticks19200); // buffers grow to what answers need
+        const std::size_t Before = Tarvix::Testing::Allocations();
+        for (int k = 0; k < 10; ++k) {
+            Bus.Clock(Stream, In, Ticks19200);
+        }
+        EXPECT_EQ(Tarvix::Testing::Allocations(), Before);
+    }
+}
+
 TEST(SimulatedBus, ShowsNobodyALevelThatIsHeldBetweenStreams)
 {
     SimulatedBus Bus(DoorBus());
@@ -134,7 +153,7 @@ TEST(SimulatedBus, GarblesBytesThatMeetAtDifferentTimes)
     // recessive bit 4 and leaves the bus to the other one, whose 00 00 goes on to bit 4.5 + 30.
     const Bytes In = Exchange(Bus, CommanderStream().Request(Protected3D));
     EXPECT_NE(Decode(In, CommanderStream::HeaderSamples), DoorAnswer);
-    EXPECT_EQ(Decode(In, CommanderStream::HeaderSamples + 14 * 8), (Decoded{{0x00, 0x82}}));
+    EXPECT_EQ(Decode(In, CommanderStream::HeaderSamples + 112), (Decoded{{0x00, 0x82}}));
 }
 
 TEST(SimulatedBus, LetsANodeDominateTheCommander)

@@ -40,10 +40,10 @@ TEST(SlaveNode, TakesElevenBitTimesForABreak)
         const std::size_t Header = Stream.Samples();
         return Decode(Exchange(Bus, Stream.Idle(140)), Header);
     };
-    for (const std::size_t BreakSamples : {88, 89, 104, 110, 208, 8000}) {
+    for (const std::size_t BreakSamples : {88U, 89U, 104U, 110U, 208U, 8000U}) {
         EXPECT_EQ(Answer(BreakSamples), DoorAnswer) << BreakSamples;
     }
-    for (const std::size_t BreakSamples : {0, 8, 72, 80, 87}) {
+    for (const std::size_t BreakSamples : {0U, 8U, 72U, 80U, 87U}) {
         EXPECT_EQ(Answer(BreakSamples), Silence) << BreakSamples;
     }
 }

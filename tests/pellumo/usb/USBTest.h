@@ -36,9 +36,10 @@ inline ChipAddress At(std::string_view URL)
 
 /// A USB system with wires that echo; what stays open at the end of a test fails it.
 class USBTest : public testing::Test {
-protected:
+public:
     ~USBTest() override { EXPECT_EQ(Usb.OpenDevices(), 0U); }
 
+protected:
     FakeUsbfs Usb;
     EchoPins Wires;
 };

@@ -46,7 +46,7 @@ protected:
         Device.SetClockDivisor(Divisor);
     }
 
-    MPSSEDevice Open()
+    static MPSSEDevice Open()
     {
         auto Opened = OpenUSBTransport({});
         return {std::move(Opened.Pipe), Opened.Family};

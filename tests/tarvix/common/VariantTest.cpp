@@ -15,7 +15,7 @@ TEST(Variant, BecomesAByteWhenItIsNumericAndFits)
 {
     struct Case {
         Variant Value;
-        int Byte;
+        int Byte = 0;
     };
     for (const auto& [Value, Byte] : {Case{0, 0},
                                       {255LL, 255},

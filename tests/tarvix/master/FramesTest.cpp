@@ -43,7 +43,7 @@ struct Bus {
         }
         return Result;
     }
-    void ExpectNoFrame()
+    void ExpectNoFrame() const
     {
         EXPECT_EQ(FailureOf([&] { Master.DataLength(); }), NoData);
         EXPECT_EQ(FailureOf([&] { Master.Data(); }), NoData);
@@ -130,7 +130,7 @@ TEST(WriteFrame, TakesAnyChecksumFromTheCaller)
     Bus Lin;
     struct Case {
         Variant Given;
-        int Sent;
+        int Sent = 0;
     };
     for (const auto& [Given, Sent] : {Case{0, 0}, {255, 255}, {2.5, 2}, {" 3.5e0 ", 4}}) {
         EXPECT_EQ(Lin.Write(0xC1, 2, {1, 2}, Given), NoFailure);
@@ -278,7 +278,7 @@ TEST(Variants, ConversionFaultsComeBeforeAnythingElse)
     EXPECT_EQ(Lin.Write(0xC1, 2, {1, 2}), NoFailure);
     struct Case {
         Variant Data;
-        std::int32_t Length;
+        std::int32_t Length = 0;
         Failure Expected;
     };
     for (const Case& Fault : {Case{Variant::Array{1, 256}, 9, Overflow}, // before the length is judged

@@ -59,7 +59,7 @@ struct Bench {
 TEST(Commands, ReachTheMasterWithTheirValues)
 {
     struct Case {
-        const char* Text;
+        const char* Text = "";
         const char* Line;
     };
     for (const auto& [Text, Line] : {
@@ -90,7 +90,7 @@ TEST(Commands, ReachTheMasterWithTheirValues)
 TEST(Commands, FaultsLeaveTheMasterUntouched)
 {
     struct Case {
-        const char* Text;
+        const char* Text = "";
         Failure Expected;
     };
     for (const auto& [Text, Expected] : {

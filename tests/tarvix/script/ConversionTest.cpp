@@ -1,7 +1,6 @@
-#include "tarvix/common/ErrorNumbers.h"
 #include "tarvix/script/clsLINScriptLexer.h"
 #include "tests/support/DecimalCommaLocale.h"
-#include "tests/support/ExpectError.h"
+#include "tests/support/Errors.h"
 
 #include <gtest/gtest.h>
 
@@ -12,7 +11,8 @@ namespace Tarvix {
 
 namespace {
 
-using Testing::ExpectError;
+using Testing::Failure;
+using Testing::FailureOf;
 
 std::u16string Repeat(std::u16string_view Text, std::size_t Times)
 {
@@ -30,14 +30,14 @@ struct Stream {
     bool operator==(const Stream&) const = default;
 };
 
+const Failure TokenConversion{0x8004C3DD, "clsLINScriptLexer", "Error in token value conversion"};
+
 void ExpectSecondaryLexical(std::u16string_view Text, const std::string& Reason)
 {
-    SCOPED_TRACE(std::string(Text.begin(), Text.end()));
     Stream Result;
-    ExpectError(
-        errLINScriptLexer::errSecondaryLexical,
-        [&] { clsLINScriptLexer().TokenToByteStream(Text, Result.Length, Result.Bytes); }, "clsLINScriptLexer",
-        "Error in secondary lexical analysis, " + Reason);
+    EXPECT_EQ(FailureOf([&] { clsLINScriptLexer().TokenToByteStream(Text, Result.Length, Result.Bytes); }),
+              (Failure{0x8004C3DE, "clsLINScriptLexer", "Error in secondary lexical analysis, " + Reason}))
+        << std::string(Text.begin(), Text.end());
 }
 
 } // namespace
@@ -56,12 +56,14 @@ TEST(TokenToKeyword, GivesTheCodeWhateverTheCase)
 
 TEST(TokenToKeyword, RefusesEverythingElse)
 {
-    // "\x7F" differs from "_", and "K" from KELVIN SIGN, in bits that a careless comparison of cases ignores.
+    // "\x7F" differs from "_", and KELVIN SIGN from "K", in bits that a careless comparison of cases ignores; nine
+    // times "WAIT" has the hash, the first and the last letters of "WAIT".
+    const std::u16string NineTimes = Repeat(u"WAIT", 9);
     for (const std::u16string_view Text :
-         {u"LIN1_3", u"", u"W", u"WAIT ", u"BREAK\x7FWIDTH", u"BREA\u212A", u"\u0049\u0130"}) {
-        ExpectError(
-            errLINScriptLexer::errTokenConversion, [&] { clsLINScriptLexer().TokenToKeyword(Text); },
-            "clsLINScriptLexer", "Error in token value conversion");
+         {std::u16string_view(), std::u16string_view(u"LIN1_3"), std::u16string_view(u"W"),
+          std::u16string_view(u"WAIT "), std::u16string_view(u"BREAK\x7FWIDTH"), std::u16string_view(u"BREA\u212A"),
+          std::u16string_view(NineTimes)}) {
+        EXPECT_EQ(FailureOf([&] { clsLINScriptLexer().TokenToKeyword(Text); }), TokenConversion);
     }
 }
 
@@ -73,11 +75,11 @@ TEST(TokenToNumberInteger, ReadsDigits)
     EXPECT_EQ(Lexer.TokenToNumberInteger(u"2147483647"), 2147483647);
     EXPECT_EQ(Lexer.TokenToNumberInteger(Repeat(u"0", 1000000) + u"12"), 12);
     for (const std::u16string_view Text : {u"2147483648", u"4294967296", u"99999999999999999999"}) {
-        ExpectError(errGeneral::errOverflow, [&] { Lexer.TokenToNumberInteger(Text); });
+        EXPECT_EQ(FailureOf([&] { Lexer.TokenToNumberInteger(Text); }), Testing::Overflow);
     }
     for (const std::u16string_view Text :
          {u"", u"-5", u"+5", u" 5", u"5 ", u"1.5", u"1e2", u"12x", u"99999999999x", u"\uFF15"}) {
-        ExpectError(errGeneral::errTypeMismatch, [&] { Lexer.TokenToNumberInteger(Text); });
+        EXPECT_EQ(FailureOf([&] { Lexer.TokenToNumberInteger(Text); }), Testing::TypeMismatch);
     }
 }
 
@@ -99,7 +101,7 @@ TEST(TokenToNumberReal, ReadsTheNearestFloatUnderEveryLocaleAndRoundingMode)
     {
         const Testing::DecimalCommaLocale Locale;
         ExpectNearest();
-        ExpectError(errGeneral::errTypeMismatch, [&] { Lexer.TokenToNumberReal(u"13,5"); });
+        EXPECT_EQ(FailureOf([&] { Lexer.TokenToNumberReal(u"13,5"); }), Testing::TypeMismatch);
     }
     std::fesetround(FE_UPWARD);
     ExpectNearest();
@@ -127,11 +129,11 @@ TEST(TokenToNumberReal, RefusesWhatIsTooLargeOrNoNumber)
     const clsLINScriptLexer Lexer;
     for (const std::u16string& Text :
          {std::u16string(u"1e309"), std::u16string(u"1.8e308"), Repeat(u"9", 310), u"1e" + Repeat(u"9", 1000)}) {
-        ExpectError(errGeneral::errOverflow, [&] { Lexer.TokenToNumberReal(Text); });
+        EXPECT_EQ(FailureOf([&] { Lexer.TokenToNumberReal(Text); }), Testing::Overflow);
     }
     for (const std::u16string_view Text : {u"", u".", u"1e", u"1e+", u"-1", u"+1", u" 1", u"1 ", u"1.2.3", u"0x1p3",
                                            u"inf", u"nan", u"1\u00E9", u"1e5\u0130"}) {
-        ExpectError(errGeneral::errTypeMismatch, [&] { Lexer.TokenToNumberReal(Text); });
+        EXPECT_EQ(FailureOf([&] { Lexer.TokenToNumberReal(Text); }), Testing::TypeMismatch);
     }
 }
 
@@ -178,8 +180,8 @@ TEST(ByteStream, NamesWhatIsWrongWithALiteral)
     // The accumulator overflows at its digit, before anything behind it is looked at.
     for (const std::u16string_view Text : {u"80000000", u"123456789", u"'d2147483648", u"FFFFFFFFF,"}) {
         Stream Result;
-        ExpectError(errGeneral::errOverflow,
-                    [&] { clsLINScriptLexer().TokenToByteStream(Text, Result.Length, Result.Bytes); });
+        EXPECT_EQ(FailureOf([&] { clsLINScriptLexer().TokenToByteStream(Text, Result.Length, Result.Bytes); }),
+                  Testing::Overflow);
     }
 }
 
@@ -191,8 +193,8 @@ TEST(ByteStream, LeavesTheBytesBeforeTheFault)
     EXPECT_EQ(Result, (Stream{2, {1, 2, 0, 0, 0, 0, 0, 0, 0}}));
 
     Stream Untouched;
-    ExpectError(errGeneral::errIndexOutOfRange,
-                [&] { Lexer.TokenToByteStream(u"", Untouched.Length, Untouched.Bytes); });
+    EXPECT_EQ(FailureOf([&] { Lexer.TokenToByteStream(u"", Untouched.Length, Untouched.Bytes); }),
+              Testing::IndexOutOfRange);
     EXPECT_EQ(Untouched, (Stream{0, Stream().Bytes}));
 }
 

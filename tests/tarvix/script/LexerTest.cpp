@@ -1,8 +1,8 @@
 #include "tarvix/common/Error.h"
 #include "tarvix/script/clsLINScriptLexer.h"
-#include "tests/support/ExpectError.h"
+#include "tests/support/Errors.h"
 #include "tests/support/PlainLexer.h"
-#include "tests/support/TestSeed.h"
+#include "tests/support/Random.h"
 
 #include <gtest/gtest.h>
 #include <sys/mman.h>
@@ -11,7 +11,7 @@ namespace Tarvix {
 
 namespace {
 
-using Testing::ExpectError;
+using Testing::FailureOf;
 using Testing::PlainLexer;
 using Testing::PlainToken;
 
@@ -52,8 +52,7 @@ std::vector<PlainToken> ScanWithPositions(clsLINScriptLexer& Lexer, const std::u
 bool AgreesWithPlainRules(clsLINScriptLexer& Lexer, const std::u16string& Script)
 {
     const bool Same = ScanWithPositions(Lexer, Script) == PlainLexer(Script).Tokens();
-    EXPECT_TRUE(Same) << "seed " << Testing::TestSeed() << ", script "
-                      << testing::PrintToString(std::vector<unsigned>(Script.begin(), Script.end()));
+    EXPECT_TRUE(Same) << "script " << testing::PrintToString(std::vector<unsigned>(Script.begin(), Script.end()));
     return Same;
 }
 
@@ -164,8 +163,8 @@ TEST(Lexer, AgreesWithThePlainRulesOnRandomTexts)
     clsLINScriptLexer Lexer;
     for (int Run = 0; Run < 20000; ++Run) {
         std::u16string Script;
-        for (std::size_t Left = Random.Below(40); Left > 0; --Left) {
-            Script += Pieces[Random.Below(Pieces.size())];
+        for (std::int32_t Left = Random.Between(0, 39); Left > 0; --Left) {
+            Script += Pieces[Random.Next() % Pieces.size()];
         }
         if (!AgreesWithPlainRules(Lexer, Script)) {
             return;
@@ -198,7 +197,7 @@ TEST(Lexer, TellsItsPositionAndItsEnd)
     std::u16string_view Value;
     EXPECT_EQ(Lexer.ScanPos(), 0);
     EXPECT_FALSE(Lexer.EndOfInput());
-    ExpectError(errGeneral::errInvalidArgument, [&] { Lexer.GetToken(Value); });
+    EXPECT_EQ(FailureOf([&] { Lexer.GetToken(Value); }), Testing::InvalidArgument);
 
     Lexer.ScanInput(u"");
     EXPECT_EQ(Lexer.ScanPos(), 1);
@@ -246,7 +245,10 @@ TEST(Lexer, RefusesATextWhosePositionsDoNotFit)
     Lexer.ScanInput(u"BREAK WAIT");
     std::u16string_view Value;
     Lexer.GetToken(Value);
-    ExpectError(errGeneral::errOverflow, [&] { Lexer.ScanInput({static_cast<const char16_t*>(Memory), Units - 1}); });
+    EXPECT_EQ(FailureOf([&] {
+                  Lexer.ScanInput({static_cast<const char16_t*>(Memory), Units - 1});
+              }),
+              Testing::Overflow);
     EXPECT_EQ(Lexer.ScanPos(), 6);
     EXPECT_EQ(Lexer.GetToken(Value), ettKeyword);
     EXPECT_EQ(Value, u"WAIT");

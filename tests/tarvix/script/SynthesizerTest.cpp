@@ -1,6 +1,6 @@
 #include "tarvix/common/eLINChecksumMode.h"
 #include "tarvix/script/clsLINScriptSynthesizer.h"
-#include "tests/support/ExpectError.h"
+#include "tests/support/Errors.h"
 
 #include <gtest/gtest.h>
 
@@ -8,7 +8,7 @@
 
 namespace Tarvix {
 
-using Testing::ExpectError;
+using Testing::FailureOf;
 
 TEST(Synthesizer, WritesEachConfigurationChange)
 {
@@ -19,8 +19,8 @@ TEST(Synthesizer, WritesEachConfigurationChange)
     EXPECT_EQ(Synthesizer.ScriptSyncByte(0), "SYNC_BYTE (00);\r\n");
     EXPECT_EQ(Synthesizer.ScriptChecksumMode(elcLIN13), "CHKSUM_MODE LIN1_3;\r\n");
     EXPECT_EQ(Synthesizer.ScriptChecksumMode(elcLIN20), "CHKSUM_MODE LIN2_0;\r\n");
-    ExpectError(errGeneral::errOverflow,
-                [&] { Synthesizer.ScriptBaudrateTbit(std::numeric_limits<float>::infinity()); });
+    EXPECT_EQ(FailureOf([&] { Synthesizer.ScriptBaudrateTbit(std::numeric_limits<float>::infinity()); }),
+              Testing::Overflow);
 }
 
 TEST(Synthesizer, WritesEachBusOperation)
@@ -45,11 +45,11 @@ TEST(Synthesizer, RefusesFramesThatCannotBeWritten)
     const auto Write = [&](std::int32_t Length, const Variant& Chksum) {
         return [&Synthesizer, &Data, Length, Chksum] { Synthesizer.ScriptWriteFrame(1, Length, Data, Chksum); };
     };
-    ExpectError(errGeneral::errIndexOutOfRange, Write(3, 256)); // the data stands before the checksum
-    ExpectError(errGeneral::errOverflow, Write(2, 256));
-    ExpectError(errGeneral::errOverflow, Write(2, -1));
-    ExpectError(errGeneral::errTypeMismatch, Write(2, "A5"));
-    ExpectError(errGeneral::errTypeMismatch, Write(2, Variant()));
+    EXPECT_EQ(FailureOf(Write(3, 256)), Testing::IndexOutOfRange); // the data stands before the checksum
+    EXPECT_EQ(FailureOf(Write(2, 256)), Testing::Overflow);
+    EXPECT_EQ(FailureOf(Write(2, -1)), Testing::Overflow);
+    EXPECT_EQ(FailureOf(Write(2, "A5")), Testing::TypeMismatch);
+    EXPECT_EQ(FailureOf(Write(2, Variant())), Testing::TypeMismatch);
 }
 
 } // namespace Tarvix

@@ -35,8 +35,19 @@ INSTANTIATE_TEST_SUITE_P(
         TextCase{"\xF4\x91\x92\x93\xFF\x41\x80\xBF\x42"sv, u"\uFFFD\uFFFD\uFFFD\uFFFD\uFFFD\u0041\uFFFD\uFFFD\u0042"sv},
         TextCase{"\xE1\x80\xE2\xF0\x91\x92\xF1\xBF\x41"sv, u"\uFFFD\uFFFD\uFFFD\uFFFD\u0041"sv},
         TextCase{"\xC1\xBF\xF5\x80\xF0\x8F\xE0\x9F"sv, u"\uFFFD\uFFFD\uFFFD\uFFFD\uFFFD\uFFFD\uFFFD\uFFFD"sv},
-        TextCase{"\xC2"sv, u"\uFFFD"sv}, TextCase{"a\xF0\x90\x80"sv, u"a\uFFFD"sv},
+        TextCase{"\xC3\xA9"sv.substr(0, 1), u"\uFFFD"sv}, TextCase{"a\xF0\x90\x80"sv, u"a\uFFFD"sv},
         TextCase{"\xE1\x80\xC3\xA9"sv, u"\uFFFD\u00E9"sv}, TextCase{"eightchr\xF4\x8F;"sv, u"eightchr\uFFFD;"sv}));
+
+TEST(UnicodeText, FindsAStrayByteAnywhereInALongRunOfASCII)
+{
+    for (std::size_t k = 0; k < 20; ++k) {
+        std::string UTF8(20, 'x');
+        std::u16string UTF16(20, u'x');
+        UTF8[k] = '\x80';
+        UTF16[k] = u'\uFFFD';
+        EXPECT_EQ(UTF8ToUTF16(UTF8), UTF16) << k;
+    }
+}
 
 TEST(UnicodeText, ReadsBackEveryCodePoint)
 {

@@ -62,9 +62,10 @@ TEST(EngineFrames, TransmitSendsBreakDelimiterSyncIdentifierAndData)
 TEST(EngineFrames, TransmitJudgesEachBitByItsMiddle)
 {
     struct Case {
-        const char* What;
-        std::int32_t First, Count;
-        int Level;
+        const char* What = "";
+        std::int32_t First = 0;
+        std::int32_t Count = 0;
+        int Level = 0;
         Failure Expected;
     };
     const std::int32_t Data =
@@ -134,8 +135,9 @@ TEST(EngineFrames, ReceiveFindsAnswersWhereverTheyStand)
 TEST(EngineFrames, ReceiveKeepsWhatCameBeforeAFault)
 {
     struct Case {
-        const char* What;
-        std::int32_t First, Count;
+        const char* What = "";
+        std::int32_t First = 0;
+        std::int32_t Count = 0;
         Failure Expected;
     };
     const std::int32_t Second = HeaderSamples + 80;

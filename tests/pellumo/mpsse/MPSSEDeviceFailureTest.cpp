@@ -1,0 +1,201 @@
+// Deadlines, and what stays after a failure.
+
+#include "pellumo/errPellumo.h"
+#include "pellumo/mpsse/MPSSEDevice.h"
+#include "tarvix/common/Raise.h"
+#include "tests/support/Errors.h"
+#include "tests/support/FakeTransport.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+
+namespace Pellumo {
+namespace {
+
+using namespace std::chrono_literals;
+using Tarvix::Testing::Failure;
+using Tarvix::Testing::FailureOf;
+using Tarvix::Testing::NoFailure;
+using Testing::FakeTransport;
+using Testing::TransportRecord;
+using Bytes = std::vector<std::uint8_t>;
+using Lines = std::vector<std::string>;
+
+const Failure Unplugged{static_cast<std::uint32_t>(errPellumo::errUnplugged), "FakeTransport", "pulled out"};
+
+void Unplug()
+{
+    Tarvix::Raise(errPellumo::errUnplugged, "FakeTransport", "pulled out");
+}
+
+class Opened : public testing::Test {
+protected:
+    std::chrono::nanoseconds LastLimit() const { return Record.Transfers.back().Limit; }
+
+    TransportRecord Record;
+    MPSSEDevice Device{std::make_unique<FakeTransport>(Record), ChipFamily::FT232H};
+};
+
+using Deadline = Opened;
+
+// 30 MHz / 30,000 is 1 kHz: 125 bytes last one second.
+TEST_F(Deadline, IsTheTimeOfEverythingThatMayNotHaveLeftThePinsAndASecond)
+{
+    EXPECT_EQ(LastLimit(), 1s);
+    Device.SetClockDivisor(29999);
+    EXPECT_EQ(LastLimit(), 1s);
+
+    Bytes Samples(1250);
+    Device.SendSamples(Samples, 125, 1, 0);
+    EXPECT_EQ(LastLimit(), 2s);
+    Device.SendSamples(Samples, 250, 1, 0);
+    EXPECT_EQ(LastLimit(), 4s);
+    Device.ConfigurePins(0x03, 0x0B);
+    EXPECT_EQ(LastLimit(), 4s) << "a command waits behind the samples";
+    Device.ExchangeSamples(Samples, 1250, 1, 0, 0);
+    EXPECT_EQ(LastLimit(), 14s);
+
+    Device.ExchangeSamples(Samples, 125, 1, 0, 0);
+    EXPECT_EQ(LastLimit(), 2s) << "an answer shows that all before it is done";
+}
+
+TEST_F(Deadline, CountsSamplesAtTheClockTheyWereSentWith)
+{
+    Bytes Samples(125);
+    Device.SetClockDivisor(29999);
+    Device.SendSamples(Samples, 125, 1, 0);
+    Device.SetClockDivisor(59999);
+    Device.SendSamples(Samples, 125, 1, 0);
+    EXPECT_EQ(LastLimit(), 4s);
+    Device.Close();
+    EXPECT_EQ(LastLimit(), 4s);
+}
+
+TEST_F(Deadline, CountsOnTheSlowestClockUntilOneIsSet)
+{
+    const Bytes Samples(1);
+    Device.SendSamples(Samples, 1, 1, 0);
+    EXPECT_EQ(LastLimit(), 1s + 17476267ns) << "8 samples of 65,536 / 30 MHz, rounded up";
+}
+
+TEST_F(Deadline, OfALongStreamGrowsWithEachOfItsPieces)
+{
+    Device.SetClockDivisor(29999);
+    Bytes Samples(65536 + 125);
+    Device.SendSamples(Samples, 65536 + 125, 1, 0);
+    EXPECT_EQ(Record.Transfers[Record.Transfers.size() - 2].Limit, 1s + 524288ms);
+    EXPECT_EQ(LastLimit(), 1s + 525288ms);
+    Device.ExchangeSamples(Samples, 65536 + 125, 1, 0, 0);
+    EXPECT_EQ(LastLimit(), 2s) << "each piece is answered";
+}
+
+TEST(DeadlineOfTheFullSpeedChip, CountsItsSlowerClock)
+{
+    TransportRecord Record;
+    MPSSEDevice Device(std::make_unique<FakeTransport>(Record), ChipFamily::FT2232D);
+    Device.SetClockDivisor(5999);
+    Device.SendSamples(Bytes(125), 125, 1, 0);
+    EXPECT_EQ(Record.Transfers.back().Limit, 2s);
+}
+
+// A device from opening to closing; returns what the first failing operation raised.
+Failure RunWhole(TransportRecord& Record)
+{
+    Failure First;
+    const auto Try = [&First](const std::function<void()>& Step) {
+        const Failure Result = FailureOf(Step);
+        First = First == NoFailure ? Result : First;
+    };
+    std::unique_ptr<MPSSEDevice> Device;
+    Try([&] { Device = std::make_unique<MPSSEDevice>(std::make_unique<FakeTransport>(Record), ChipFamily::FT232H); });
+    if (!Device) {
+        return First;
+    }
+    Bytes Samples(8);
+    Try([&] { Device->ConfigurePins(0x03, 0x0B); });
+    Try([&] { Device->SetOption(0); });
+    Try([&] { Device->SetClockDivisor(194); });
+    Try([&] { Device->SendSamples(Samples, 8, 1, 0); });
+    Try([&] { Device->ExchangeSamples(Samples, 8, 1, 0, 0); });
+    Try([&] { Device->Close(); });
+    return First;
+}
+
+TEST(FailingTransport, ErrorsArriveUnchangedAndTheTransportIsClosedAtEveryCall)
+{
+    TransportRecord Whole;
+    ASSERT_EQ(RunWhole(Whole), NoFailure);
+    ASSERT_EQ(Whole.Calls.size(), 9U);
+    for (std::size_t n = 0; n < Whole.Calls.size(); ++n) {
+        TransportRecord Record;
+        bool Failed = false;
+        Record.BeforeCall = [&](std::size_t CallsBefore) {
+            if (CallsBefore == n && !Failed) {
+                Failed = true;
+                Unplug();
+            }
+        };
+        EXPECT_EQ(RunWhole(Record), Unplugged) << n;
+        const bool WasOpened = n > 1;
+        const bool FailedToClose = n == Whole.Calls.size() - 1;
+        EXPECT_EQ(!Record.Calls.empty() && Record.Calls.back() == "close", WasOpened && !FailedToClose) << n;
+    }
+}
+
+TEST_F(Opened, IsBroughtBackIntoStepAfterAFailure)
+{
+    Device.SetClockDivisor(29999);
+    Bytes Samples(125);
+    Record.BeforeCall = [](std::size_t) { Unplug(); };
+    EXPECT_EQ(FailureOf([&] { Device.ExchangeSamples(Samples, 125, 1, 0, 0); }), Unplugged);
+    Record.BeforeCall = nullptr;
+    Record.Calls.clear();
+    Record.Transfers.clear();
+
+    Device.ConfigurePins(0x03, 0x0B);
+    Device.ConfigurePins(0x03, 0x0B);
+
+    EXPECT_EQ(Record.Calls, (Lines{"purge", "AA <2", "80 03 0B", "80 03 0B"}));
+    EXPECT_EQ(Record.Transfers[0].Limit, 2s) << "the engine may still be clocking";
+    EXPECT_EQ(Record.Transfers[1].Limit, 1s);
+}
+
+TEST_F(Opened, StaysOutOfStepWhenTheEngineDoesNotAnswerAgain)
+{
+    Record.BeforeCall = [](std::size_t) { Unplug(); };
+    EXPECT_EQ(FailureOf([&] { Device.SetClockDivisor(1); }), Unplugged);
+    Record.BeforeCall = nullptr;
+    Record.BogusAnswer = {0x00, 0xFA};
+    for (int Attempt = 0; Attempt < 2; ++Attempt) {
+        EXPECT_EQ(FailureOf([&] { Device.SetClockDivisor(1); }).Number,
+                  static_cast<std::uint32_t>(errPellumo::errNoEngine));
+    }
+    EXPECT_EQ(FailureOf([&] { Device.Close(); }).Number, static_cast<std::uint32_t>(errPellumo::errNoEngine));
+    EXPECT_EQ(Record.Calls.back(), "close");
+}
+
+TEST_F(Opened, ClosingFailsWithTheFirstOfTwoErrorsAndOnlyOnce)
+{
+    Record.BeforeCall = [First = true](std::size_t) mutable {
+        if (std::exchange(First, false)) {
+            Unplug();
+        }
+        Tarvix::Raise(errPellumo::errUSB, "FakeTransport", "the second");
+    };
+    EXPECT_EQ(FailureOf([&] { Device.Close(); }), Unplugged);
+    EXPECT_EQ(FailureOf([&] { Device.Close(); }), NoFailure);
+}
+
+TEST(FailingTransport, DestructionRaisesNothing)
+{
+    TransportRecord Record;
+    {
+        const MPSSEDevice Device(std::make_unique<FakeTransport>(Record), ChipFamily::FT232H);
+        Record.BeforeCall = [](std::size_t) { Unplug(); };
+    }
+    EXPECT_EQ(Record.Calls, (Lines{"purge", "AA <2"}));
+}
+
+} // namespace
+} // namespace Pellumo

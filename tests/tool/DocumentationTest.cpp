@@ -10,6 +10,8 @@
 #include <regex>
 #include <set>
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace Tarvix::Testing {
 
@@ -33,7 +35,7 @@ Words Matches(const std::string& Text, const char* Pattern)
 /// The options that a help text lists, short and long.
 Words OptionsOfHelp(const std::vector<std::string>& Arguments)
 {
-    const std::string Help = Run(Arguments).Out;
+    const std::string Help = RunProgram(Arguments).Out;
     Words Options = Matches(Help, "\n  (?:-[a-z],)?(--[a-z-]+)");
     Options.merge(Matches(Help, "\n  (-[a-z]),--"));
     return Options;
@@ -87,7 +89,7 @@ TEST(Help, IsEverywhereAndShowsExamples)
                                                                        {"scan", "--help"},
                                                                        {"devices", "--help"},
                                                                        {"id", "--help"}}) {
-        const Outcome Result = Run(Arguments);
+        const Outcome Result = RunProgram(Arguments);
         EXPECT_EQ(Result.Status, 0);
         EXPECT_EQ(Result.Error, "");
         EXPECT_NE(Result.Out.find("Examples:\n  "), std::string::npos) << Arguments[0];
@@ -96,14 +98,14 @@ TEST(Help, IsEverywhereAndShowsExamples)
 
 TEST(Help, IsGivenEvenWhereArgumentsAreMissing)
 {
-    EXPECT_NE(Run({"read", "3D", "--help"}).Out.find("Usage: tarvix read"), std::string::npos);
+    EXPECT_NE(RunProgram({"read", "3D", "--help"}).Out.find("Usage: tarvix read"), std::string::npos);
 }
 
 TEST(Version, IsEverywhere)
 {
-    EXPECT_EQ(Run({"--version"}).Out, "tarvix 1.1.0\n");
+    EXPECT_EQ(RunProgram({"--version"}).Out, "tarvix 1.1.0\n");
     for (const char* const Command : Commands) {
-        const Outcome Result = Run({Command, "--version"});
+        const Outcome Result = RunProgram({Command, "--version"});
         EXPECT_EQ(Result.Out, "tarvix 1.1.0\n") << Command;
         EXPECT_EQ(Result.Status, 0);
     }
@@ -151,7 +153,7 @@ TEST(Documentation, WhatBashOffersAsValuesIsAccepted)
         const Words Values = BashOffers({"read", Option, ""});
         EXPECT_FALSE(Values.empty()) << Option;
         for (const std::string& Value : Values) {
-            EXPECT_NE(Run({"read", "3D", "2", Option, Value}).Status, 2) << Option << ' ' << Value;
+            EXPECT_NE(RunProgram({"read", "3D", "2", Option, Value}).Status, 2) << Option << ' ' << Value;
         }
     }
     EXPECT_EQ(BashOffers({"read", "--format", ""}), (Words{"table", "json", "candump"}));
@@ -176,10 +178,10 @@ TEST(Documentation, ZshAndFishKnowEveryOption)
 
     const std::string Fish = Contents(SourceFile("tools/tarvix/completions/tarvix.fish"));
     Words FishOptions;
-    for (const std::string& Name : Matches(Fish, " -l ([a-z-]+) ")) {
+    for (const std::string& Name : Matches(Fish, R"(complete -c[^\n]* -l ([a-z-]+) )")) {
         FishOptions.insert("--" + Name);
     }
-    for (const std::string& Letter : Matches(Fish, " -s ([a-z]) ")) {
+    for (const std::string& Letter : Matches(Fish, R"(complete -c[^\n]* -s ([a-z]) )")) {
         FishOptions.insert("-" + Letter);
     }
     EXPECT_EQ(FishOptions, AllOptions());

@@ -61,7 +61,7 @@ TEST(Text, NumbersOfAllSizes)
     EXPECT_EQ(ErrorNumber(std::numeric_limits<std::int32_t>::min()), "0x80000000");
     EXPECT_EQ(ErrorNumber(-1), "0xFFFFFFFF");
     EXPECT_EQ(ErrorNumber(91), "91");
-    EXPECT_EQ(Fixed(0.0000005, 6), "0.000001"); // the nearest 64-bit float lies above the half
+    EXPECT_EQ(Fixed(0.9999996, 6), "1.000000");
     EXPECT_EQ(Fixed(std::numeric_limits<double>::max(), 6).size(), 316U);
 }
 

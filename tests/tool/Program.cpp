@@ -154,7 +154,7 @@ Outcome Program::Finish()
     return Result;
 }
 
-Outcome Run(const std::vector<std::string>& Arguments, const Surroundings& Around)
+Outcome RunProgram(const std::vector<std::string>& Arguments, const Surroundings& Around)
 {
     return Program(Arguments, Around).Finish();
 }
@@ -162,7 +162,7 @@ Outcome Run(const std::vector<std::string>& Arguments, const Surroundings& Aroun
 Outcome RunQuietly(std::vector<std::string> Arguments, const Surroundings& Around)
 {
     Arguments.emplace_back("--quiet");
-    return Run(Arguments, Around);
+    return RunProgram(Arguments, Around);
 }
 
 TemporaryDirectory::TemporaryDirectory()

@@ -21,10 +21,10 @@ struct Outcome {
 
 /// How a program is started.
 struct Surroundings {
-    std::string Input;                    ///< standard input
-    std::vector<std::string> Environment; ///< NAME=VALUE; NO_COLOR and TERM are absent otherwise
-    bool Terminal = false;                ///< the standard output is a terminal
-    std::string OutputFile;               ///< the standard output goes here
+    std::string Input{};                    ///< standard input
+    std::vector<std::string> Environment{}; ///< NAME=VALUE; NO_COLOR and TERM are absent otherwise
+    bool Terminal = false;                  ///< the standard output is a terminal
+    std::string OutputFile{};               ///< the standard output goes here
 };
 
 /// The program, running.
@@ -52,7 +52,7 @@ private:
 };
 
 /// Starts the program and waits for its end.
-Outcome Run(const std::vector<std::string>& Arguments, const Surroundings& Around = {});
+Outcome RunProgram(const std::vector<std::string>& Arguments, const Surroundings& Around = {});
 
 /// The simulated bus is used without a notice.
 Outcome RunQuietly(std::vector<std::string> Arguments, const Surroundings& Around = {});

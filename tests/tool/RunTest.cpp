@@ -97,8 +97,8 @@ TEST(RunScripts, IdentifiersGoOnTheBusAsWritten)
 TEST(RunScripts, TheScriptsBitRateHasTheLastWord)
 {
     const Outcome Result = RunQuietly({"run", "-", "-b", "9600", "--format", Candump},
-                                      {.Input = "BAUDRATE 20000 BD; BREAK; READ_FRAME ID (7D) LEN 2;"});
-    EXPECT_EQ(Result.Out, "(0.000700) lin0 3D#1234\n"); // 14 bits of 50 us
+                                      {.Input = "BAUDRATE 10000 BD; BREAK; READ_FRAME ID (7D) LEN 2;"});
+    EXPECT_EQ(Result.Out, "(0.001400) lin0 3D#1234\n"); // 14 bits of 100 us
 }
 
 TEST(RunScripts, UTF16IsReadAndPositionsCountCharacters)

@@ -30,7 +30,7 @@ ProgramFailure EndedBy(ExitStatus Status, const std::string& What, const Error& 
 } // namespace
 
 BusSession::BusSession(const BusOptions& Options, bool Scan)
-    : Console_(Options.Quiet), Printer_(MakePrinter(Options, Scan, Console_.Colour())),
+    : Output_(Options.Quiet), Printer_(MakePrinter(Options, Scan, Output_.Colour())),
       Frames_([this](const FrameReport& Frame) { Print(Frame); }),
       Decoder_([this](const Pellumo::BusEvent& Event) { Frames_.OnEvent(Event); }), Files_(Options)
 {
@@ -49,7 +49,7 @@ void BusSession::OpenDevice(const std::string& URL)
         throw EndedBy(NoDevice, "", Failure);
     }
     if (URL.starts_with("sim:")) {
-        Console_.Note("The bus is simulated (" + URL + "); use -d to name a real device.");
+        Output_.Note("The bus is simulated (" + URL + "); use -d to name a real device.");
     }
     Files_.ListenTo(*Recorder_);
     Recorder_->AddListener(Decoder_);
@@ -75,12 +75,12 @@ void BusSession::Print(const FrameReport& Frame)
 {
     std::string Lines = HeadPrinted_ ? std::string() : Printer_->Head();
     HeadPrinted_ = true;
-    Console_.Print(Lines.append(Printer_->Line(Frame)));
+    Output_.Print(Lines.append(Printer_->Line(Frame)));
 }
 
 void BusSession::Finish()
 {
-    Console_.EndProgress();
+    Output_.EndProgress();
     try {
         Master_.Terminate();
     } catch (const Error& Failure) {

@@ -29,7 +29,7 @@ public:
 
     clsLIN& Master() noexcept { return Master_; }
     FrameMonitor& Frames() noexcept { return Frames_; }
-    class Console& Console() noexcept { return Console_; }
+    Console& Output() noexcept { return Output_; }
 
     /// Prints a frame in the format of the options.
     void Print(const FrameReport& Frame);
@@ -41,7 +41,7 @@ private:
     void OpenDevice(const std::string& URL);
     void Configure(const BusOptions& Options);
 
-    class Console Console_;
+    Console Output_;
     std::unique_ptr<FramePrinter> Printer_;
     bool HeadPrinted_ = false;
 

@@ -153,9 +153,9 @@ void RefuseSharedFiles(const BusOptions& Bus)
 }
 
 /// Every command with the record that it fills.
-class Commands {
+class CommandParser {
 public:
-    Commands() : App_("Commander of a LIN bus over the MPSSE engine of a USB chip", "tarvix")
+    CommandParser() : App_("Commander of a LIN bus over the MPSSE engine of a USB chip", "tarvix")
     {
         App_.require_subcommand(0, 1); // none: told by `Parse`, after what else is wrong
         App_.set_version_flag("--version", VersionText, "Print the version and exit");
@@ -265,7 +265,7 @@ private:
 
 Command ParseCommandLine(std::vector<std::string> Arguments)
 {
-    return Commands().Parse(std::move(Arguments));
+    return CommandParser().Parse(std::move(Arguments));
 }
 
 } // namespace Tarvix::Tool

@@ -19,7 +19,7 @@ int RunFrame(const BusOptions& Options, const std::string& What, const std::func
         } catch (const Error& Failure) {
             Session.Frames().Fail(Failure);
             std::string Text = What + Headline(Failure);
-            Session.Console().Complain(Text.append("\n").append(AdviceFor(Failure)));
+            Session.Output().Complain(Text.append("\n").append(AdviceFor(Failure)));
             return SomethingFailed;
         }
         Session.Frames().Settle();

@@ -31,14 +31,14 @@ ExitStatus RunScripts(BusSession& Session, const std::vector<ScriptFile>& Script
     Interpreter.Initialize(Session.Master());
     Interpreter.ExecutionProgress = [&Session, &Done](std::int32_t CodePos) {
         Session.Frames().Settle();
-        Session.Console().Progress(Done.Share(CodePos));
+        Session.Output().Progress(Done.Share(CodePos));
     };
     for (const ScriptFile& Script : Scripts) {
         try {
             Interpreter.ExecuteScript(std::u16string_view(Script.Text));
         } catch (const Error& Failure) {
             Session.Frames().Fail(Failure);
-            Session.Console().Complain(ScriptErrorReport(Script, Interpreter.CodePos(), Failure));
+            Session.Output().Complain(ScriptErrorReport(Script, Interpreter.CodePos(), Failure));
             return SomethingFailed;
         }
         Done.Before += Script.Text.size();

@@ -75,7 +75,7 @@ ExitStatus Scan(BusSession& Session)
     int Faults = 0;
     try {
         for (std::uint8_t Identifier = 0; Identifier < Identifiers; ++Identifier) {
-            Session.Console().Progress(static_cast<double>(Identifier) / Identifiers);
+            Session.Output().Progress(static_cast<double>(Identifier) / Identifiers);
             if (const auto Frame = Ask(Session, Identifier)) {
                 Session.Print(*Frame);
                 ++Answers;
@@ -83,10 +83,10 @@ ExitStatus Scan(BusSession& Session)
             }
         }
     } catch (const Error& Failure) {
-        Session.Console().Complain(std::string("The scan ended early: ").append(Headline(Failure)));
+        Session.Output().Complain(std::string("The scan ended early: ").append(Headline(Failure)));
         return SomethingFailed;
     }
-    Session.Console().Note(Summary(Answers, Faults));
+    Session.Output().Note(Summary(Answers, Faults));
     return Faults > 0 ? SomethingFailed : AllWell;
 }
 

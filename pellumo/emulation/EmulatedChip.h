@@ -23,8 +23,8 @@ namespace Pellumo {
 /// Reading the low pins gives what is driven; the data input follows the data output, and other inputs are high.
 /// Answers are kept until they are read.
 ///
-/// What it does not have: the commands that wait for a pin, and the adaptive clock's waiting. Those are bad commands,
-/// and no wait. The mode-select pin clocks, but is connected to nothing.
+/// The commands that wait for a pin are bad commands here, and adaptive clocking waits for nothing. What is shifted to
+/// the mode-select pin takes its time and goes nowhere. Single bits reach the wires as eight samples of an eighth each.
 class EmulatedChip {
 public:
     /// Receives a line per command (`TextOf`) before it is executed.

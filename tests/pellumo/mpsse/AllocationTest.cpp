@@ -2,41 +2,16 @@
 
 #include "pellumo/emulation/EmulatedTransport.h"
 #include "pellumo/mpsse/MPSSEDevice.h"
+#include "tests/support/AllocationCounter.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstdlib>
-#include <new>
-
-namespace {
-
-std::size_t Allocations = 0;
-
-} // namespace
-
-// The array and nothrow forms end in these two.
-void* operator new(std::size_t Size)
-{
-    ++Allocations;
-    if (void* const Memory = std::malloc(Size)) { // NOLINT(cppcoreguidelines-no-malloc): it stands below new
-        return Memory;
-    }
-    throw std::bad_alloc();
-}
-
-void operator delete(void* Memory) noexcept
-{
-    std::free(Memory); // NOLINT(cppcoreguidelines-no-malloc): it stands below delete
-}
-
-void operator delete(void* Memory, std::size_t /*Size*/) noexcept
-{
-    std::free(Memory); // NOLINT(cppcoreguidelines-no-malloc): it stands below delete
-}
 
 namespace Pellumo {
 namespace {
+
+using Tarvix::Testing::Allocations;
 
 class StraightWires final : public Pins {
 public:
@@ -62,10 +37,10 @@ TEST(FrameAllocations, AreNoneOnceWarm)
         Device.ExchangeSamples(Samples, 174, 0, 0, 0);
     };
     Frames();
-    const std::size_t Before = Allocations;
+    const std::size_t Before = Allocations();
     EXPECT_GT(Before, 0U);
     Frames();
-    EXPECT_EQ(Allocations, Before);
+    EXPECT_EQ(Allocations(), Before);
 }
 
 } // namespace

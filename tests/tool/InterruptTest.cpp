@@ -1,0 +1,105 @@
+// Runs that are ended from outside.
+
+#include "tests/tool/Program.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <csignal>
+#include <fstream>
+#include <string>
+
+namespace Tarvix::Testing {
+
+namespace {
+
+constexpr int Frames = 200000; // far more lines than a pipe holds: the program cannot end before it is read
+
+std::string LongScript()
+{
+    std::string Script;
+    for (int k = 0; k < Frames; ++k) {
+        Script += "WRITE_FRAME ID (20) LEN 1 TX (55);\n";
+    }
+    return Script;
+}
+
+/// True while the process has a handler for the signal.
+bool Catches(pid_t Process, int Signal)
+{
+    std::ifstream Status("/proc/" + std::to_string(Process) + "/status");
+    for (std::string Line; std::getline(Status, Line);) {
+        if (Line.starts_with("SigCgt:")) {
+            return (std::stoull(Line.substr(7), nullptr, 16) >> (Signal - 1) & 1) != 0;
+        }
+    }
+    return false;
+}
+
+class Interrupt : public testing::TestWithParam<int> {};
+TEST_P(Interrupt, EndsTheRunBetweenTwoFrames)
+{
+    const TemporaryDirectory Directory;
+    const std::string Record = Directory.Path("a.lin");
+    const std::string VCD = Directory.Path("a.vcd");
+    Program Running({"run", "-", "--format", "candump", "-q", "--record", Record, "--vcd", VCD},
+                    {.Input = LongScript()});
+    std::string Out = Running.ReadLine();
+    EXPECT_EQ(Out, "(0.000000) lin0 20#55\n");
+    kill(Running.ID(), GetParam());
+    const Outcome Result = Running.Finish();
+
+    EXPECT_EQ(Result.Status, 128 + GetParam());
+    EXPECT_EQ(Result.Error, "");
+    Out += Result.Out;
+    const auto Printed = std::count(Out.begin(), Out.end(), '\n');
+    EXPECT_LT(Printed, Frames);
+    EXPECT_TRUE(Out.ends_with("lin0 20#55\n"));
+    // Every frame that was on the bus is in the files, and they are whole.
+    const std::string Log = Contents(Record);
+    EXPECT_EQ(std::count(Log.begin(), Log.end(), '\n'), 1 + Printed);
+    EXPECT_TRUE(Log.ends_with("WRITE_FRAME ID (20) LEN 1 TX (55);\r\n"));
+    const std::string Waveform = Contents(VCD);
+    const std::string End = Waveform.substr(Waveform.rfind('#'));
+    EXPECT_EQ(std::count(End.begin(), End.end(), '\n'), 1);
+    EXPECT_TRUE(End.ends_with('\n'));
+}
+INSTANTIATE_TEST_SUITE_P(Each, Interrupt, testing::Values(SIGINT, SIGTERM));
+
+TEST(Interrupt, ASecondOneKills)
+{
+    Program Running({"run", "-", "--format", "candump", "-q"}, {.Input = LongScript()});
+    Running.ReadLine();
+    kill(Running.ID(), SIGINT);
+    while (Catches(Running.ID(), SIGINT)) {
+        // the first one has not arrived yet
+    }
+    kill(Running.ID(), SIGINT); // the program waits for its output to be read
+    EXPECT_EQ(Running.Finish().Status, -SIGINT);
+}
+
+TEST(Interrupt, AReaderThatLeavesEndsTheRunQuietly)
+{
+    const TemporaryDirectory Directory;
+    const std::string Record = Directory.Path("a.lin");
+    Program Running({"run", "-", "-q", "--record", Record}, {.Input = LongScript()});
+    Running.ReadLine();
+    Running.CloseOutput();
+    const Outcome Result = Running.Finish();
+    EXPECT_EQ(Result.Status, 128 + SIGPIPE);
+    EXPECT_EQ(Result.Error, "");
+    EXPECT_TRUE(Contents(Record).ends_with(";\r\n"));
+}
+
+TEST(Interrupt, AReaderThatLeavesEarlyGetsNoComplaintFromHelpEither)
+{
+    Program Running({"--help"});
+    Running.CloseOutput();
+    const Outcome Result = Running.Finish();
+    EXPECT_TRUE(Result.Status == 0 || Result.Status == 128 + SIGPIPE);
+    EXPECT_EQ(Result.Error, "");
+}
+
+} // namespace
+
+} // namespace Tarvix::Testing

@@ -1,0 +1,36 @@
+/// @file
+/// Files that the program writes.
+#pragma once
+
+#include <fstream>
+#include <ostream>
+#include <string>
+#include <string_view>
+
+namespace Tarvix::Tool {
+
+/// A file whose failures are not overlooked.
+class OutputFile {
+public:
+    /// Creates the file, or empties it.
+    /// @throws ProgramFailure  WrongUsage when that cannot be done
+    explicit OutputFile(std::string Path);
+
+    /// Where others write; call `Check` after them.
+    std::ostream& Stream() noexcept { return Stream_; }
+
+    /// @throws ProgramFailure  SomethingFailed when something could not be written, on a full disk for instance
+    void Check();
+
+    /// Writes `Text` and checks.
+    void Write(std::string_view Text);
+
+    /// Writes what is still held back, checks and closes.
+    void Close();
+
+private:
+    std::string Path_;
+    std::ofstream Stream_;
+};
+
+} // namespace Tarvix::Tool

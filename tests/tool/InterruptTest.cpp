@@ -24,16 +24,28 @@ std::string LongScript()
     return Script;
 }
 
-/// True while the process has a handler for the signal.
-bool Catches(pid_t Process, int Signal)
+/// What the kernel says of the process under `Key`, which ends in a colon.
+std::string StatusOf(pid_t Process, const std::string& Key)
 {
     std::ifstream Status("/proc/" + std::to_string(Process) + "/status");
     for (std::string Line; std::getline(Status, Line);) {
-        if (Line.starts_with("SigCgt:")) {
-            return (std::stoull(Line.substr(7), nullptr, 16) >> (Signal - 1) & 1) != 0;
+        if (Line.starts_with(Key)) {
+            return Line.substr(Line.find_first_not_of(" \t", Key.size()));
         }
     }
-    return false;
+    return {};
+}
+
+/// True while the process has a handler for the signal.
+bool Catches(pid_t Process, int Signal)
+{
+    return (std::stoull(StatusOf(Process, "SigCgt:"), nullptr, 16) >> (Signal - 1) & 1) != 0;
+}
+
+/// True while the process waits. After its first line there is only one thing to wait for: that its output is read.
+bool Waits(pid_t Process)
+{
+    return StatusOf(Process, "State:").starts_with('S');
 }
 
 class Interrupt : public testing::TestWithParam<int> {};
@@ -70,11 +82,14 @@ TEST(Interrupt, ASecondOneKills)
 {
     Program Running({"run", "-", "--format", "candump", "-q"}, {.Input = LongScript()});
     Running.ReadLine();
+    while (!Waits(Running.ID())) {
+        // its output still fits the pipe
+    }
     kill(Running.ID(), SIGINT);
     while (Catches(Running.ID(), SIGINT)) {
         // the first one has not arrived yet
     }
-    kill(Running.ID(), SIGINT); // the program waits for its output to be read
+    kill(Running.ID(), SIGINT);
     EXPECT_EQ(Running.Finish().Status, -SIGINT);
 }
 

@@ -1,6 +1,6 @@
 #include "pellumo/recording/AnswerTiming.h"
 
-#include "pellumo/simulation/SampleRuns.h"
+#include "pellumo/common/SampleRuns.h"
 
 #include <algorithm>
 #include <cmath>

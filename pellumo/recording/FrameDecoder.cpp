@@ -1,6 +1,6 @@
 #include "pellumo/recording/FrameDecoder.h"
 
-#include "pellumo/simulation/SampleRuns.h"
+#include "pellumo/common/SampleRuns.h"
 
 #include <algorithm>
 #include <cstddef>

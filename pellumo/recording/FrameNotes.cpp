@@ -2,8 +2,8 @@
 
 #include "pellumo/recording/AnswerTiming.h"
 #include "pellumo/recording/SVGText.h"
-#include "pellumo/simulation/FrameBytes.h"
-#include "pellumo/simulation/SampleRuns.h"
+#include "pellumo/common/FrameBytes.h"
+#include "pellumo/common/SampleRuns.h"
 
 #include <algorithm>
 #include <cmath>

@@ -2,7 +2,7 @@
 
 #include "pellumo/recording/FrameNotes.h"
 #include "pellumo/recording/SVGText.h"
-#include "pellumo/simulation/SampleRuns.h"
+#include "pellumo/common/SampleRuns.h"
 
 #include <algorithm>
 #include <cstddef>

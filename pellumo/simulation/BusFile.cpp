@@ -3,7 +3,7 @@
 #include "pellumo/errPellumo.h"
 #include "pellumo/simulation/BusFileFaults.h"
 #include "pellumo/simulation/CheckedTable.h"
-#include "pellumo/simulation/FrameBytes.h"
+#include "pellumo/common/FrameBytes.h"
 #include "tarvix/common/Formating.h"
 #include "tarvix/common/Raise.h"
 

@@ -1,8 +1,8 @@
 #include "pellumo/simulation/SimulatedBus.h"
 
-#include "pellumo/simulation/FrameBytes.h"
+#include "pellumo/common/FrameBytes.h"
 #include "pellumo/simulation/RandomBits.h"
-#include "pellumo/simulation/SampleRuns.h"
+#include "pellumo/common/SampleRuns.h"
 
 #include <algorithm>
 

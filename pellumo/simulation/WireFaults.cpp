@@ -1,6 +1,6 @@
 #include "pellumo/simulation/WireFaults.h"
 
-#include "pellumo/simulation/FrameBytes.h"
+#include "pellumo/common/FrameBytes.h"
 #include "pellumo/simulation/RandomBits.h"
 
 #include <algorithm>

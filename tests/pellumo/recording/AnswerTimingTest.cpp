@@ -1,9 +1,10 @@
 #include "pellumo/recording/AnswerTiming.h"
 
 #include "pellumo/recording/Recorder.h"
+#include "pellumo/simulation/SimulatedBus.h"
 #include "tarvix/master/clsLIN.h"
-#include "tests/pellumo/recording/BusDevice.h"
 #include "tests/pellumo/recording/StreamRecord.h"
+#include "tests/support/BusDevice.h"
 #include "tests/support/Random.h"
 
 #include <gtest/gtest.h>
@@ -193,7 +194,8 @@ TEST(AnswerTiming, FindsTheNodesOfASimulatedBus)
             Bus.Slaves.push_back({"node", ClockError, Space, {{.Identifier = 0x3D, .Data = NineBytes}}});
             Bus.Slaves[0].Frames[0].Data.resize(8);
             Bus.Slaves[0].ByteSpace = Gap;
-            BusDevice Device(Bus);
+            SimulatedBus Wires(Bus);
+            BusDevice Device(Wires);
             Recorder Recording(Device);
             std::optional<AnswerTiming> Timing;
             FrameDecoder Decoder([&Timing](const BusEvent& Event) {

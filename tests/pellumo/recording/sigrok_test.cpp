@@ -3,8 +3,9 @@
 
 #include "pellumo/recording/Recorder.h"
 #include "pellumo/recording/VCDWriter.h"
+#include "pellumo/simulation/SimulatedBus.h"
 #include "tarvix/master/clsLIN.h"
-#include "tests/pellumo/recording/BusDevice.h"
+#include "tests/support/BusDevice.h"
 
 #include <gtest/gtest.h>
 
@@ -60,7 +61,8 @@ std::vector<std::string> RecordFrames(const std::string& Path, Tarvix::eLINCheck
 {
     std::ofstream File(Path, std::ios::binary);
     VCDWriter Writer(File);
-    BusDevice Device(Nodes(Model));
+    SimulatedBus Wires(Nodes(Model));
+    BusDevice Device(Wires);
     Recorder Recording(Device);
     Recording.AddListener(Writer);
     clsLIN Master;

@@ -1,8 +1,8 @@
-#include "pellumo/simulation/FrameBytes.h"
+#include "pellumo/common/FrameBytes.h"
 #include "pellumo/simulation/SimulatedBus.h"
 #include "tarvix/common/Error.h"
 #include "tarvix/signalling/clsLINViaFTDIMPSSE.h"
-#include "tests/pellumo/simulation/BusDevice.h"
+#include "tests/support/BusDevice.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 #include "pellumo/simulation/ExampleBus.h"
 
+#include "pellumo/common/FrameBytes.h"
 #include "pellumo/simulation/BusFile.h"
-#include "pellumo/simulation/FrameBytes.h"
 #include "tests/pellumo/simulation/Exchanges.h"
 
 #include <gtest/gtest.h>

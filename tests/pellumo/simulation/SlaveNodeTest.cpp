@@ -1,4 +1,4 @@
-#include "pellumo/simulation/FrameBytes.h"
+#include "pellumo/common/FrameBytes.h"
 #include "tests/pellumo/simulation/Exchanges.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "pellumo/simulation/SampleRuns.h"
+#include "pellumo/common/SampleRuns.h"
 
 #include "tests/support/Random.h"
 

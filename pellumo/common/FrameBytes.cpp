@@ -1,4 +1,4 @@
-#include "pellumo/simulation/FrameBytes.h"
+#include "pellumo/common/FrameBytes.h"
 
 #include <bit>
 

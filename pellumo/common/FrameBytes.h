@@ -1,5 +1,5 @@
 /// @file
-/// The bytes of a LIN frame as a slave node makes and checks them (LIN 2.2A, 2.3.1.3 protected identifier, 2.3.1.5
+/// The bytes of a LIN frame as every node makes and checks them (LIN 2.2A, 2.3.1.3 protected identifier, 2.3.1.5
 /// checksum).
 #pragma once
 

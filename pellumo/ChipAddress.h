@@ -8,6 +8,9 @@
 
 namespace Pellumo {
 
+/// The vendor identifier that the chips' maker has from the USB Implementers Forum.
+inline constexpr std::uint16_t MakersVendor = 0x0403;
+
 /// What a device URL says about a chip; what it leaves out is empty.
 struct ChipAddress {
     std::optional<std::uint16_t> Vendor;  ///< USB vendor identifier; empty: the chips' maker

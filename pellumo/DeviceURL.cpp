@@ -18,7 +18,6 @@ namespace {
 
 constexpr std::string_view SimulatedScheme = "sim:";
 constexpr std::string_view ChipScheme = "ftdi:";
-constexpr std::uint16_t MakersVendor = 0x0403;
 
 // "2232" is the chip that had the engine before there was an "h".
 constexpr std::array<std::pair<std::string_view, ChipFamily>, 5> ProductNames = {{

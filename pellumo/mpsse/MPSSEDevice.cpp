@@ -239,7 +239,7 @@ void MPSSEDevice::Synchronise()
     Transport_->Purge();
     std::array<std::uint8_t, 2> Answer{};
     try {
-        Transport_->Transfer(std::array{Commands::Bogus}, Answer, Limit());
+        Transport_->Transfer(std::array{Commands::Bogus, Commands::SendImmediate}, Answer, Limit());
     } catch (const Tarvix::Error& Failure) {
         if (!Failure.Is(errPellumo::errTimeout) && !Failure.Is(errPellumo::errShortAnswer)) {
             throw;

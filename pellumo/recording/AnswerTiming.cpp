@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <limits>
+#include <vector>
 
 namespace Pellumo {
 
@@ -12,6 +14,7 @@ namespace {
 
 constexpr std::int64_t Bit = 8;
 constexpr double SamplesPerBit = 8.0;
+constexpr std::size_t MostBytes = 14; // that the engine leaves time for
 
 struct Answer {
     std::span<const std::uint8_t> Samples;
@@ -24,118 +27,81 @@ struct Answer {
     }
 };
 
-/// Calls `Use` with bit number (0 the start edge, 9 the beginning of the stop bit) and sample of every clean edge of a
-/// byte: the only one between the sampling points of two bits that differ.
-template <typename Callable>
-void ForEachEdge(const Answer& Seen, std::int64_t StartEdge, Callable&& Use)
+struct Edge {
+    std::int64_t BitNumber; ///< counted as if bytes followed each other without a gap, ten bits each
+    std::int64_t Sample;
+    std::size_t Byte;
+};
+
+/// The clean edges: start edges, and where two bits differ the only edge between their sampling points.
+std::vector<Edge> CleanEdges(const Answer& Seen)
 {
-    if (Seen.NextEdge(StartEdge) > StartEdge + Bit / 2) {
-        Use(0, StartEdge);
-    }
-    for (int k = 0; k < 9; ++k) {
-        const std::int64_t Middle = StartEdge + Bit / 2 + Bit * k;
-        const std::int64_t NextMiddle = Middle + Bit;
-        if (Seen.LevelAt(Middle) != Seen.LevelAt(NextMiddle)) {
-            const std::int64_t Edge = Seen.NextEdge(Middle);
-            if (Seen.NextEdge(Edge) > NextMiddle) {
-                Use(k + 1, Edge);
+    std::vector<Edge> Edges;
+    for (std::size_t i = 0; i < Seen.StartEdges.size(); ++i) {
+        const std::int64_t StartEdge = Seen.StartEdges[i];
+        const std::int64_t FirstBit = 10 * static_cast<std::int64_t>(i);
+        if (Seen.NextEdge(StartEdge) > StartEdge + Bit / 2) {
+            Edges.push_back({FirstBit, StartEdge, i});
+        }
+        for (int k = 1; k <= 9; ++k) {
+            const std::int64_t Middle = StartEdge + Bit / 2 + Bit * k;
+            const std::int64_t EdgeSample = Seen.NextEdge(Middle - Bit);
+            if (Seen.LevelAt(Middle - Bit) != Seen.LevelAt(Middle) && Seen.NextEdge(EdgeSample) > Middle) {
+                Edges.push_back({FirstBit + k, EdgeSample, i});
             }
         }
     }
+    return Edges;
 }
 
-/// Sums for the least-squares line through points (bit number, sample).
-struct Line {
-    double Points = 0.0;
-    double Bits = 0.0;
-    double Samples = 0.0;
-    double BitsBits = 0.0;
-    double BitsSamples = 0.0;
+/// Bounds of the slave's bit time, in samples.
+struct BitTimeRange {
+    double Shortest = 0.0;
+    double Longest = std::numeric_limits<double>::infinity();
 
-    void Add(double BitNumber, double Sample) noexcept
-    {
-        Points += 1.0;
-        Bits += BitNumber;
-        Samples += Sample;
-        BitsBits += BitNumber * BitNumber;
-        BitsSamples += BitNumber * Sample;
-    }
-    /// Numerator and denominator of the slope.
-    double Joint() const noexcept { return Points > 0.0 ? BitsSamples - Bits * Samples / Points : 0.0; }
-    double Spread() const noexcept { return Points > 0.0 ? BitsBits - Bits * Bits / Points : 0.0; }
-    /// How far a point lies from the line with this slope.
-    double Distance(double BitNumber, double Sample, double Slope) const noexcept
-    {
-        return std::fabs(Sample - Samples / Points - Slope * (BitNumber - Bits / Points));
-    }
+    bool IsMeasured() const noexcept { return std::isfinite(Longest) && Shortest < Longest; }
+    double Middle() const noexcept { return (Shortest + Longest) / 2; }
 };
 
-struct BitTime {
-    double Samples = SamplesPerBit;
-    double Spread = 0.0; ///< the more, the surer
-};
-
-/// Each byte on a line of its own, all with one slope: whatever the pauses between the bytes.
-BitTime FitBytes(const Answer& Seen)
+/// The bit times with which every two edges can be where they were seen.
+/// @param Window      samples within which an edge is seen somewhere
+/// @param AcrossBytes whether the numbers of bits between edges of different bytes are known
+BitTimeRange RangeOf(std::span<const Edge> Edges, double Window, bool AcrossBytes)
 {
-    double Joint = 0.0;
-    double Spread = 0.0;
-    for (const std::int64_t StartEdge : Seen.StartEdges) {
-        Line Byte;
-        ForEachEdge(Seen, StartEdge, [&](int BitNumber, std::int64_t Edge) {
-            Byte.Add(BitNumber, static_cast<double>(Edge - StartEdge));
-        });
-        Joint += Byte.Joint();
-        Spread += Byte.Spread();
+    BitTimeRange Range;
+    for (std::size_t j = 1; j < Edges.size(); ++j) {
+        for (std::size_t i = 0; i < j; ++i) {
+            if (AcrossBytes || Edges[i].Byte == Edges[j].Byte) {
+                const auto Bits = static_cast<double>(Edges[j].BitNumber - Edges[i].BitNumber);
+                const auto Samples = static_cast<double>(Edges[j].Sample - Edges[i].Sample);
+                Range.Shortest = std::max(Range.Shortest, (Samples - Window) / Bits);
+                Range.Longest = std::min(Range.Longest, (Samples + Window) / Bits);
+            }
+        }
     }
-    return Spread > 0.0 ? BitTime{Joint / Spread, Spread} : BitTime{};
+    return Range;
 }
 
-/// As `ForEachEdge` for the whole answer: bits are counted from the first start edge, and those between two start edges
-/// are the whole number that is nearest by `Rough`.
-template <typename Callable>
-void ForEachEdgeOfAnswer(const Answer& Seen, double Rough, Callable&& Use)
+/// Sampling sees an edge up to one sample late. Only when that does not explain the edges is another sample allowed for
+/// what the slave and the transceivers do to them.
+std::optional<BitTimeRange> MeasureBitTime(const Answer& Seen)
 {
-    const std::int64_t Origin = Seen.StartEdges.front();
-    std::int64_t Previous = Origin;
-    double BitsBefore = 0.0;
-    for (const std::int64_t StartEdge : Seen.StartEdges) {
-        BitsBefore += std::nearbyint(static_cast<double>(StartEdge - Previous) / Rough);
-        Previous = StartEdge;
-        ForEachEdge(Seen, StartEdge, [&](int BitNumber, std::int64_t Edge) {
-            Use(BitsBefore + BitNumber, static_cast<double>(Edge - Origin));
-        });
+    const std::vector<Edge> Edges = CleanEdges(Seen);
+    for (const double Window : {1.0, 2.0}) {
+        for (const bool AcrossBytes : {true, false}) {
+            const BitTimeRange Range = RangeOf(Edges, Window, AcrossBytes);
+            if (Range.IsMeasured()) {
+                return Range;
+            }
+        }
     }
+    return std::nullopt;
 }
 
-/// All bytes on one line, when they are: seeing an edge only to one sample puts it up to half a sample beside its line,
-/// and the fit itself is a little off.
-std::optional<BitTime> FitAnswer(const Answer& Seen, double Rough)
+ClockEstimate EstimateClock(const BitTimeRange& BitTime)
 {
-    constexpr double Tolerance = 0.75;
-    Line All;
-    ForEachEdgeOfAnswer(Seen, Rough, [&](double BitNumber, double Sample) { All.Add(BitNumber, Sample); });
-    const double Slope = All.Joint() / All.Spread();
-    double Farthest = 0.0;
-    ForEachEdgeOfAnswer(Seen, Rough, [&](double BitNumber, double Sample) {
-        Farthest = std::max(Farthest, All.Distance(BitNumber, Sample, Slope));
-    });
-    return Farthest <= Tolerance ? std::optional(BitTime{Slope, All.Spread()}) : std::nullopt;
-}
-
-BitTime MeasureBitTime(const Answer& Seen)
-{
-    const BitTime Rough = FitBytes(Seen);
-    return Rough.Spread > 0.0 ? FitAnswer(Seen, Rough.Samples).value_or(Rough) : Rough;
-}
-
-/// An edge is seen at the first sample after it, which adds an error spread evenly over one sample: its standard
-/// deviation is 1 / sqrt(12).
-ClockEstimate EstimateClock(const BitTime& Measured)
-{
-    const double BitTimeError = 1.0 / std::sqrt(12.0 * Measured.Spread);
-    return {100.0 * (SamplesPerBit / Measured.Samples - 1.0),
-            100.0 * SamplesPerBit / (Measured.Samples * Measured.Samples) * BitTimeError};
+    const auto Deviation = [](double Samples) { return 100.0 * (SamplesPerBit / Samples - 1.0); };
+    return {Deviation(BitTime.Middle()), Deviation(BitTime.Shortest) - Deviation(BitTime.Middle())};
 }
 
 double LongestGap(std::span<const std::int64_t> StartEdges, double BitTime)
@@ -178,12 +144,12 @@ std::optional<AnswerTiming> MeasureAnswer(std::span<const std::uint8_t> Samples,
         return std::nullopt;
     }
     const Answer Seen{Samples, StartEdges};
-    const BitTime Measured = MeasureBitTime(Seen);
+    const auto BitTime = MeasureBitTime({Samples, StartEdges.first(std::min(StartEdges.size(), MostBytes))});
     AnswerTiming Timing;
     Timing.ResponseSpace = static_cast<double>(StartEdges.front() - ResponseBegin) / SamplesPerBit;
-    Timing.LongestGap = LongestGap(StartEdges, Measured.Samples);
-    if (Measured.Spread > 0.0) {
-        Timing.Clock = EstimateClock(Measured);
+    Timing.LongestGap = LongestGap(StartEdges, BitTime ? BitTime->Middle() : SamplesPerBit);
+    if (BitTime) {
+        Timing.Clock = EstimateClock(*BitTime);
     }
     Timing.Margin = Bit;
     for (const std::int64_t StartEdge : StartEdges) {

@@ -14,7 +14,7 @@ namespace Pellumo {
 /// The slave's clock against the commander's.
 struct ClockEstimate {
     double Deviation = 0.0; ///< percent; positive: the slave's clock is fast, its bits are short
-    double Accuracy = 0.0;  ///< percent: standard deviation of `Deviation` from seeing each edge only to one sample
+    double Accuracy = 0.0;  ///< percent: the true deviation lies within `Deviation` plus or minus `Accuracy`
 };
 
 /// Timing of an answer. Bit times are the commander's.
@@ -31,9 +31,12 @@ struct AnswerTiming {
 /// Measures an answer. The response space and the gaps are seen to one sample, an eighth of a bit time; a gap also
 /// suffers from the estimate of the slave's bit time, ten of which make up the byte before it.
 ///
-/// The slave's bit time is the least-squares slope of edge positions over bit numbers. Where the bytes follow each
-/// other at whole bit numbers, as a UART sends them, the line goes through the whole answer (nine bytes: about 0.02 %);
-/// else each byte has a line of its own with the slope in common (nine bytes: about 0.15 %; one byte: 0.4 % at best).
+/// The slave's bit time lies between bounds that follow from every two edges: so many bits took so many samples, give
+/// or take the one sample by which each edge is seen late. The more edges and the longer the answer, the closer the
+/// bounds. Edges of different bytes count when that leaves a bit time for bytes without any gap between them, which a
+/// slave's UART sends; else only edges of the same byte. Typical accuracy: nine bytes without gaps 0.03 percent,
+/// with gaps 0.7 percent, one byte 1.5 percent. Edges that jitter by more than one sample against each other widen the
+/// bounds.
 ///
 /// @param Samples        the bus as sampled
 /// @param ResponseBegin  the sample after the identifier's stop bit

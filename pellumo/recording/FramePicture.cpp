@@ -2,7 +2,6 @@
 
 #include "pellumo/recording/FrameNotes.h"
 #include "pellumo/recording/SVGText.h"
-#include "pellumo/simulation/FrameBytes.h"
 #include "pellumo/simulation/SampleRuns.h"
 
 #include <algorithm>

@@ -17,6 +17,7 @@ constexpr double StampsPerSecond = 1e7;
 constexpr double SamplesPerBit = 8.0;
 constexpr double IdleBitsBefore = 2.0;
 constexpr double IdleBitsAfter = 24.0;
+constexpr std::size_t LineSize = 32; // a time stamp of up to 20 digits and two changes
 constexpr std::size_t FlushSize = std::size_t{1} << 16U;
 
 constexpr std::string_view Head = "$timescale 100 ns $end\n"
@@ -63,13 +64,15 @@ std::uint64_t VCDWriter::Wire::Load(std::span<const std::uint8_t> Bytes) noexcep
     return Changes << Beyond >> Beyond;
 }
 
-/// Writes the level of sample `k` when it is one of the changes.
-void VCDWriter::Wire::AppendChange(std::string& Text, std::uint64_t Changes, int k) const
+/// Puts down the level of sample `k` when it is one of the changes.
+char* VCDWriter::Wire::PutChange(char* To, std::uint64_t Changes, int k) const noexcept
 {
     if ((Changes >> k & 1) != 0) {
-        const std::array<char, 3> Line{(Samples >> k & 1) != 0 ? '1' : '0', Code, '\n'};
-        Text.append(Line.data(), Line.size());
+        *To++ = (Samples >> k & 1) != 0 ? '1' : '0';
+        *To++ = Code;
+        *To++ = '\n';
     }
+    return To;
 }
 
 VCDWriter::VCDWriter(std::ostream& Out) : Out_(Out), Text_(Head)
@@ -96,7 +99,7 @@ void VCDWriter::OnStream(const SampleStream& Stream)
     const std::int64_t Trailing = DurationOf(IdleBitsAfter, Stream.Frequency);
     const auto StampOf = [this, &Stream](std::size_t Sample) {
         const double Seconds = Stream.Seconds(static_cast<std::int64_t>(Sample));
-        return LeadIn_ + static_cast<std::int64_t>(Seconds * StampsPerSecond + 0.5);
+        return std::int64_t{LeadIn_ + std::llround(Seconds * StampsPerSecond)};
     };
     for (std::size_t First = 0; First < Stream.Tx.size(); First += 8) {
         const std::size_t Count = std::min<std::size_t>(8, Stream.Tx.size() - First);
@@ -104,9 +107,11 @@ void VCDWriter::OnStream(const SampleStream& Stream)
         const std::uint64_t RxChanges = Rx_.Load(Stream.Rx.subspan(First, Count));
         for (std::uint64_t Changes = TxChanges | RxChanges; Changes != 0; Changes &= Changes - 1) {
             const int k = std::countr_zero(Changes);
-            WriteStamp(StampOf(8 * First + static_cast<std::size_t>(k)));
-            Tx_.AppendChange(Text_, TxChanges, k);
-            Rx_.AppendChange(Text_, RxChanges, k);
+            std::array<char, LineSize> Lines{};
+            char* End = PutStamp(Lines.data(), StampOf(8 * First + static_cast<std::size_t>(k)));
+            End = Tx_.PutChange(End, TxChanges, k);
+            End = Rx_.PutChange(End, RxChanges, k);
+            Text_.append(Lines.data(), End);
             EndStamp_ = LastStamp_ + Trailing;
         }
         if (Text_.size() >= FlushSize) {
@@ -122,23 +127,23 @@ void VCDWriter::Finish()
     if (!Finished_) {
         Finished_ = true;
         LastStamp_ = -1;
-        WriteStamp(EndStamp_);
+        std::array<char, LineSize> Line{};
+        Text_.append(Line.data(), PutStamp(Line.data(), EndStamp_));
         Flush();
         Out_.flush();
     }
 }
 
 /// Starts the changes of another moment. Samples of less than 100 ns share moments.
-void VCDWriter::WriteStamp(std::int64_t Stamp)
+char* VCDWriter::PutStamp(char* To, std::int64_t Stamp) noexcept
 {
     if (Stamp != LastStamp_) {
-        std::array<char, 24> Digits{};
-        const auto [End, Failure] = std::to_chars(Digits.data(), Digits.data() + Digits.size(), Stamp);
-        Text_ += '#';
-        Text_.append(Digits.data(), End);
-        Text_ += '\n';
         LastStamp_ = Stamp;
+        *To++ = '#';
+        To = std::to_chars(To, To + 20, Stamp).ptr;
+        *To++ = '\n';
     }
+    return To;
 }
 
 void VCDWriter::Flush()

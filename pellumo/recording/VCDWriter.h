@@ -36,14 +36,14 @@ public:
 
 private:
     struct Wire {
-        char Code; // stands for the wire in the file
+        char Code = 0; // stands for the wire in the file
         std::uint64_t Samples = 0;
         bool IsHigh = true; // the last sample
 
         std::uint64_t Load(std::span<const std::uint8_t> Bytes) noexcept;
-        void AppendChange(std::string& Text, std::uint64_t Changes, int k) const;
+        char* PutChange(char* To, std::uint64_t Changes, int k) const noexcept;
     };
-    void WriteStamp(std::int64_t Stamp);
+    char* PutStamp(char* To, std::int64_t Stamp) noexcept;
     void Flush();
 
     std::ostream& Out_;

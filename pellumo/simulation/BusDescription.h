@@ -28,6 +28,7 @@ struct SlaveDescription {
     double ClockError = 0.0;    ///< percent; +2 is a clock that runs 2 % fast, so that the node's bits are short
     double ResponseSpace = 1.0; ///< bit times of the node's clock between identifier and answer, 0 or more
     std::vector<FrameDescription> Frames;
+    double ByteSpace = 0.0; ///< bit times of the node's clock from one byte of its answer to the next
 };
 
 /// Where a disturbance begins.

@@ -82,11 +82,12 @@ void RefuseACopyOfOwnFrame(const CheckedTable& Table, const FrameDescription& Fr
 SlaveDescription ReadSlave(const CheckedTable& Table, Answerers& Known)
 {
     constexpr double LargestClockError = 20.0;
-    Table.AllowOnly({"name", "clock_error", "response_space", "frame"});
+    Table.AllowOnly({"name", "clock_error", "response_space", "byte_space", "frame"});
     SlaveDescription Slave;
     Slave.Name = Table.Text("name");
     Slave.ClockError = Table.NumberOr("clock_error", Slave.ClockError, -LargestClockError, LargestClockError);
-    Slave.ResponseSpace = ReadResponseSpace(Table);
+    Slave.ResponseSpace = ReadSpace(Table, "response_space", Slave.ResponseSpace);
+    Slave.ByteSpace = ReadSpace(Table, "byte_space", Slave.ByteSpace);
     const auto Frames = Table.Tables("frame", "[[slave.frame]]");
     for (const CheckedTable& Frame : Frames) {
         Slave.Frames.push_back(ReadFrame(Frame));

@@ -118,7 +118,7 @@ void ReadCollision(const CheckedTable& Table, BusDescription& Bus)
     if (Table.Has("data")) {
         Fault.Data = Table.Bytes("data", MaximumDataBytes);
     }
-    Fault.ResponseSpace = ReadResponseSpace(Table);
+    Fault.ResponseSpace = ReadSpace(Table, "response_space", Fault.ResponseSpace);
     Bus.Collisions.push_back(Fault);
 }
 
@@ -159,11 +159,10 @@ std::uint8_t ReadIdentifier(const CheckedTable& Table, std::string_view Key)
     return static_cast<std::uint8_t>(Identifier);
 }
 
-double ReadResponseSpace(const CheckedTable& Table)
+double ReadSpace(const CheckedTable& Table, std::string_view Key, double Otherwise)
 {
-    constexpr double Customary = 1.0;
     constexpr double Longest = 1000.0;
-    return Table.NumberOr("response_space", Customary, 0.0, Longest);
+    return Table.NumberOr(Key, Otherwise, 0.0, Longest);
 }
 
 } // namespace Pellumo

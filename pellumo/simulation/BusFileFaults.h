@@ -19,8 +19,9 @@ void ReadFault(const CheckedTable& Table, BusDescription& Bus);
 /// @throws Tarvix::Error  errBusFile
 std::uint8_t ReadIdentifier(const CheckedTable& Table, std::string_view Key);
 
-/// The bit times under "response_space", 1 without that key.
+/// The bit times under "response_space" or "byte_space".
+/// @param Otherwise       without that key
 /// @throws Tarvix::Error  errBusFile
-double ReadResponseSpace(const CheckedTable& Table);
+double ReadSpace(const CheckedTable& Table, std::string_view Key, double Otherwise);
 
 } // namespace Pellumo

@@ -26,7 +26,7 @@ bool HeaderFinder::EndsSyncField() noexcept
 {
     const Tick Measured = Before(FifthFalling) - Before(FirstFalling);
     const Tick Break = Before(BreakEnd) - Before(BreakStart);
-    if (Measured <= 0 || Measured > LongestEightBits || Break < (BreakBits * Measured + 7) / 8) {
+    if (Measured <= 0 || Measured > LongestEightBits || 8 * Break < BreakBits * Measured) {
         return false;
     }
     for (std::size_t k = 0; k < FirstFalling; ++k) {

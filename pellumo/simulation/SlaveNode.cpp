@@ -20,7 +20,8 @@ constexpr bool Concerns(std::int32_t Occurrence, std::int32_t Request) noexcept
 
 SlaveNode::SlaveNode(const SlaveDescription& Description, std::span<const AnswerFault> Faults, std::uint64_t Seed)
     : Faults_(Faults.begin(), Faults.end()), Seed_(Seed), ClockErrorPPM_(std::llround(Description.ClockError * 10'000)),
-      ResponseSpaceMicrobits_(std::llround(Description.ResponseSpace * 1'000'000))
+      ResponseSpaceMicrobits_(std::llround(Description.ResponseSpace * 1'000'000)),
+      ByteSpaceMicrobits_(std::llround(Description.ByteSpace * 1'000'000))
 {
     for (const FrameDescription& Frame : Description.Frames) {
         Frames_.push_back({Frame, Frame.Copies ? Bytes{} : Frame.Data, 0});
@@ -46,7 +47,6 @@ void SlaveNode::Hear(FrameReceiver::Heard Heard)
         if (Receiver_.Value() != 0) {
             Response_.clear();
         }
-        EndResponse();
         Receiver_.Ignore();
         break;
     }
@@ -92,7 +92,8 @@ void SlaveNode::Answer(AnsweredFrame& Frame)
     }
     if (!Answer_.empty()) {
         const NodeClock Clock(Receiver_.EightBits(), ClockErrorPPM_);
-        Transmitter_.Start(Answer_, Receiver_.EndOfByte() + Clock.Span(ResponseSpaceMicrobits_), Clock);
+        Transmitter_.Start(Answer_, Receiver_.EndOfByte() + Clock.Span(ResponseSpaceMicrobits_), Clock,
+                           ByteSpaceMicrobits_);
     }
 }
 

@@ -84,6 +84,7 @@ private:
     std::uint64_t RandomBytes_ = 0; // sent so far
     std::int64_t ClockErrorPPM_;
     std::int64_t ResponseSpaceMicrobits_;
+    std::int64_t ByteSpaceMicrobits_;
 
     Tick Now_ = 0;
     int BusLevel_ = 1;

@@ -1,13 +1,16 @@
 #include "pellumo/simulation/Transmitter.h"
 
+#include <algorithm>
+
 namespace Pellumo {
 
-void Transmitter::Start(std::span<const std::uint8_t> Bytes, Tick Begin, const NodeClock& Clock)
+void Transmitter::Start(std::span<const std::uint8_t> Bytes, Tick Begin, const NodeClock& Clock, std::int64_t ByteSpace)
 {
     Stop();
     Bytes_.assign(Bytes.begin(), Bytes.end());
     Begin_ = Begin;
     Clock_ = Clock;
+    ByteSpace_ = ByteSpace;
     NextChange_ = Begin;
 }
 
@@ -46,16 +49,18 @@ bool Transmitter::SamplesBetween(Tick From, Tick To) const noexcept
 
 int Transmitter::BitAt(std::size_t Index) const noexcept
 {
-    const std::size_t Place = Index % 10;
+    const std::size_t Place = Index % BitsPerByte;
     if (Place == 0 || Place == 9) {
         return Place == 0 ? 0 : 1;
     }
-    return Bytes_[Index / 10] >> (Place - 1) & 1;
+    return Bytes_[Index / BitsPerByte] >> (Place - 1) & 1;
 }
 
 Tick Transmitter::Moment(std::size_t HalfBits) const noexcept
 {
-    return Begin_ + Clock_.Span(static_cast<std::int64_t>(HalfBits) * 500'000);
+    const std::size_t Pauses = std::min(HalfBits / (2 * BitsPerByte), Bytes_.size() - 1);
+    return Begin_ +
+           Clock_.Span(static_cast<std::int64_t>(HalfBits) * 500'000 + static_cast<std::int64_t>(Pauses) * ByteSpace_);
 }
 
 } // namespace Pellumo

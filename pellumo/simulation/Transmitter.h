@@ -33,12 +33,13 @@ private:
     std::int64_t EightTrueBits_;
 };
 
-/// Sends bytes back to back, each framed by a start and a stop bit.
+/// Sends bytes one after the other, each framed by a start and a stop bit.
 class Transmitter {
 public:
     /// Starts a transmission, at once or later; an earlier one is dropped.
-    /// @param Begin  the falling edge of the first start bit
-    void Start(std::span<const std::uint8_t> Bytes, Tick Begin, const NodeClock& Clock);
+    /// @param Begin      the falling edge of the first start bit
+    /// @param ByteSpace  pause after each byte but the last, in millionths of a bit time
+    void Start(std::span<const std::uint8_t> Bytes, Tick Begin, const NodeClock& Clock, std::int64_t ByteSpace);
 
     /// Lets go of the bus.
     void Stop() noexcept;
@@ -64,15 +65,18 @@ public:
     }
 
 private:
+    static constexpr std::size_t BitsPerByte = 10;
+
     void Change() noexcept;
     bool SamplesBetween(Tick From, Tick To) const noexcept;
-    std::size_t Bits() const noexcept { return Bytes_.size() * 10; }
+    std::size_t Bits() const noexcept { return Bytes_.size() * BitsPerByte; }
     int BitAt(std::size_t Index) const noexcept;
     Tick Moment(std::size_t HalfBits) const noexcept;
 
     std::vector<std::uint8_t> Bytes_;
     Tick Begin_ = 0;
     NodeClock Clock_{0, 0};
+    std::int64_t ByteSpace_ = 0;
     // The bits [Bit_, NextBit_) are the run of equal bits being sent; none before the transmission begins.
     std::size_t Bit_ = 0;
     std::size_t NextBit_ = 0;

@@ -7,15 +7,11 @@ namespace Pellumo {
 
 namespace {
 
-// What another program's hold on the port says; taking the port for a moment finds out.
+// Whether another program holds the port is found out by taking it; closing the handle gives it back.
 std::string ObstacleOn(libusb_device_handle* Handle, int Interface)
 {
     const int Code = libusb_claim_interface(Handle, Interface - 1);
-    if (Code < 0) {
-        return Explain(Code).Text;
-    }
-    libusb_release_interface(Handle, Interface - 1);
-    return {};
+    return Code < 0 ? Explain(Code).Text : std::string();
 }
 
 FoundDevice DescribePort(const USBChip& Chip, int Interface)

@@ -1,6 +1,7 @@
 #include "pellumo/usb/USBChips.h"
 
 #include "pellumo/errPellumo.h"
+#include "pellumo/mpsse/RaiseForDevice.h"
 #include "pellumo/usb/USBErrors.h"
 #include "tarvix/common/Raise.h"
 
@@ -115,28 +116,26 @@ std::string TextOf(const ChipAddress& Address)
 
 void RequireEngine(const USBChip& Chip, int Interface)
 {
-    const std::string Name = Chip.URL(Interface).append(": ");
+    const std::string Name = Chip.URL(Interface);
     if (!Chip.Family) {
-        Tarvix::Raise(errPellumo::errWrongChip, Source,
-                      std::string(Name)
-                          .append("the chip (")
-                          .append(Chip.ProductName())
-                          .append(") has no MPSSE engine. Use an FT232H, FT2232H, FT4232H or FT2232D"));
+        RaiseForDevice(errPellumo::errWrongChip, Source, Name,
+                       std::string("the chip (")
+                           .append(Chip.ProductName())
+                           .append(") has no MPSSE engine. Use an FT232H, FT2232H, FT4232H or FT2232D"));
     }
     const ChipFacts& Facts = FactsOf(*Chip.Family);
-    const std::string_view Limit = Facts.Engines == 1 ? "Use 1" : "Use 1 or 2";
+    const auto Refuse = [&](errPellumo Number, std::string_view Lack) {
+        RaiseForDevice(Number, Source, Name,
+                       std::string("the ")
+                           .append(Facts.Name)
+                           .append(Lack)
+                           .append(Facts.Engines == 1 ? ". Use interface 1" : ". Use interface 1 or 2"));
+    };
     if (Interface < 1 || Interface > Facts.Interfaces) {
-        Tarvix::Raise(
-            errPellumo::errNotFound, Source,
-            std::string(Name).append("the ").append(Facts.Name).append(" has no such interface. ").append(Limit));
+        Refuse(errPellumo::errNotFound, " has no such interface");
     }
     if (Interface > Facts.Engines) {
-        Tarvix::Raise(errPellumo::errWrongChip, Source,
-                      std::string(Name)
-                          .append("the ")
-                          .append(Facts.Name)
-                          .append(" has no MPSSE engine on this interface. ")
-                          .append(Limit));
+        Refuse(errPellumo::errWrongChip, " has no MPSSE engine on this interface");
     }
 }
 

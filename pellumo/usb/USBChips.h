@@ -13,9 +13,6 @@
 
 namespace Pellumo {
 
-/// The vendor identifier of the chips' maker.
-constexpr std::uint16_t MakersVendor = 0x0403;
-
 /// A chip on USB. It must not outlive the context that listed it.
 struct USBChip {
     DeviceReference Device;

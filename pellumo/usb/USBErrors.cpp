@@ -1,6 +1,6 @@
 #include "pellumo/usb/USBErrors.h"
 
-#include "tarvix/common/Raise.h"
+#include "pellumo/mpsse/RaiseForDevice.h"
 
 #include <libusb.h>
 
@@ -30,8 +30,7 @@ USBFailure Explain(int Code)
 void RaiseUSB(int Code, std::string_view Source, std::string_view Device, std::string_view Action)
 {
     const USBFailure Failure = Explain(Code);
-    Tarvix::Raise(Failure.Number, Source,
-                  std::string(Device).append(": ").append(Action).append(" failed: ").append(Failure.Text));
+    RaiseForDevice(Failure.Number, Source, Device, std::string(Action).append(" failed: ").append(Failure.Text));
 }
 
 } // namespace Pellumo

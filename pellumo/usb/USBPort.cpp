@@ -1,8 +1,8 @@
 #include "pellumo/usb/USBPort.h"
 
 #include "pellumo/errPellumo.h"
+#include "pellumo/mpsse/RaiseForDevice.h"
 #include "pellumo/usb/USBErrors.h"
-#include "tarvix/common/Raise.h"
 
 #include <algorithm>
 #include <span>
@@ -65,8 +65,9 @@ void USBPort::FindEndpoints()
         }
     }
     if (PacketSize_ <= StatusBytes || OutEndpoint_ == 0) {
-        Tarvix::Raise(errPellumo::errWrongChip, Source,
-                      std::string(Name_).append(": the device does not have the endpoints of an MPSSE chip"));
+        RaiseForDevice(
+            errPellumo::errWrongChip, Source, Name_,
+            "the device does not have the endpoints of an MPSSE chip. Check the address with `tarvix devices`");
     }
 }
 
@@ -88,9 +89,9 @@ void USBPort::Claim()
         return;
     }
     if (libusb_kernel_driver_active(Handle(), Interface_ - 1) == 1) {
-        Tarvix::Raise(errPellumo::errDriver, Source,
-                      std::string(Name_).append(": a kernel driver holds the chip and does not let go. Unload it "
-                                                "(`sudo rmmod ftdi_sio`) and try again"));
+        RaiseForDevice(
+            errPellumo::errDriver, Source, Name_,
+            "a kernel driver holds the chip and does not let go. Unload it (`sudo rmmod ftdi_sio`) and try again");
     }
     RaiseUSB(Code, Source, Name_, "claiming the interface");
 }

@@ -1,9 +1,9 @@
 #include "pellumo/usb/USBTransport.h"
 
 #include "pellumo/errPellumo.h"
+#include "pellumo/mpsse/RaiseForDevice.h"
 #include "pellumo/usb/OpenUSBTransport.h"
 #include "pellumo/usb/USBErrors.h"
-#include "tarvix/common/Raise.h"
 
 #include <algorithm>
 #include <string>
@@ -31,23 +31,21 @@ std::string Milliseconds(std::chrono::nanoseconds Time)
 {
     const std::string Within = std::string(" within ").append(Milliseconds(Limit)).append(". ");
     if (Answered > 0) {
-        Tarvix::Raise(errPellumo::errShortAnswer, Source,
-                      std::string(Device)
-                          .append(": the chip answered with ")
-                          .append(std::to_string(Answered))
-                          .append(" of ")
-                          .append(std::to_string(Asked))
-                          .append(" bytes")
-                          .append(Within)
-                          .append("Open it again; if it happens again, check the cable and the hub"));
+        RaiseForDevice(errPellumo::errShortAnswer, Source, Device,
+                       std::string("the chip answered with ")
+                           .append(std::to_string(Answered))
+                           .append(" of ")
+                           .append(std::to_string(Asked))
+                           .append(" bytes")
+                           .append(Within)
+                           .append("Open it again; if it happens again, check the cable and the hub"));
     }
-    const std::string Lack =
-        Untaken > 0
-            ? std::string("the chip did not take the last ").append(std::to_string(Untaken)).append(" command bytes")
-            : std::string("the chip did not answer");
-    Tarvix::Raise(errPellumo::errTimeout, Source,
-                  std::string(Device).append(": ").append(Lack).append(Within).append(
-                      "Plug the chip in again and open it again"));
+    std::string Lack = "the chip did not answer";
+    if (Untaken > 0) {
+        Lack = std::string("the chip did not take the last ").append(std::to_string(Untaken)).append(" command bytes");
+    }
+    RaiseForDevice(errPellumo::errTimeout, Source, Device,
+                   Lack.append(Within).append("Plug the chip in again and open it again"));
 }
 
 } // namespace
@@ -59,6 +57,7 @@ void USBTransport::Transfer(std::span<const std::uint8_t> Out, std::span<std::ui
     const std::size_t Asked = In.size();
     In = TakeSurplus(In);
     const int Code = Exchange(Out, In, Clock::now() + std::min<std::chrono::nanoseconds>(Limit, LongestLimit));
+    // Everything may have arrived in the very moment in which the time ran out.
     if (Out.empty() && In.empty()) {
         return;
     }
@@ -129,8 +128,9 @@ int USBTransport::Submit(BulkTransfer& Transfer, unsigned char Endpoint, std::sp
     return Left.count() > 0 ? Transfer.Submit(Port_.Handle(), Endpoint, Data, Left) : LIBUSB_ERROR_TIMEOUT;
 }
 
-// Moves what the finished read brought to the front of `In`; returns the rest of `In`.
-std::span<std::uint8_t> USBTransport::TakeAnswer(std::span<std::uint8_t> In)
+// Moves what the finished read brought to the front of `In`; returns the rest of `In`. Nothing may be raised while the
+// write is in flight.
+std::span<std::uint8_t> USBTransport::TakeAnswer(std::span<std::uint8_t> In) noexcept
 {
     std::span<const std::uint8_t> Received = std::span(Packets_).first(Read_.Count());
     while (Received.size() > StatusBytes) {
@@ -175,8 +175,7 @@ void USBTransport::Close()
 void USBTransport::RequireOpen() const
 {
     if (!Port_.IsOpen()) {
-        Tarvix::Raise(errPellumo::errClosed, Source,
-                      std::string(Name()).append(": the chip has been closed. Open it again"));
+        RaiseForDevice(errPellumo::errClosed, Source, Name(), "the chip has been closed. Open it again");
     }
 }
 

@@ -40,7 +40,7 @@ private:
     int SubmitRead(std::size_t Wanted, Clock::time_point Deadline);
     int Submit(BulkTransfer& Transfer, unsigned char Endpoint, std::span<std::uint8_t> Data,
                Clock::time_point Deadline);
-    std::span<std::uint8_t> TakeAnswer(std::span<std::uint8_t> In);
+    std::span<std::uint8_t> TakeAnswer(std::span<std::uint8_t> In) noexcept;
     std::span<std::uint8_t> TakeSurplus(std::span<std::uint8_t> In);
     void RecoverFromStall();
     void RequireOpen() const;

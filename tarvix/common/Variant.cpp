@@ -8,6 +8,7 @@
 #include <array>
 #include <charconv>
 #include <string_view>
+#include <utility>
 
 namespace Tarvix {
 
@@ -54,13 +55,18 @@ bool Variant::IsByte() const noexcept
     return Number != nullptr && Number->Byte;
 }
 
-const Variant::Array& Variant::Elements() const
+const Variant::Array& Variant::Elements() const&
 {
     const auto* Elements = std::get_if<Array>(&Value_);
     if (Elements == nullptr) {
         Raise(errGeneral::errTypeMismatch);
     }
     return *Elements;
+}
+
+Variant::Array Variant::Elements() &&
+{
+    return std::as_const(*this).Elements();
 }
 
 std::uint8_t Variant::ToByte() const

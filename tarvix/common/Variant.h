@@ -55,7 +55,9 @@ public:
 
     /// The array's elements.
     /// @throws Error  errTypeMismatch without an array
-    const Array& Elements() const;
+    const Array& Elements() const&;
+    /// As above, but lives on when the variant was a temporary.
+    Array Elements() &&;
 
     /// The number, rounded half to even. Numeric text counts as a number: blanks at both ends, a sign, decimal digits
     /// with "." and an exponent, and nothing else.

@@ -24,28 +24,28 @@ std::string LongScript()
     return Script;
 }
 
-/// What the system says of a process in a line that begins with `Name`.
-std::string StatusOf(pid_t Process, const std::string& Name)
+/// What the kernel says of the process under `Key`, which ends in a colon.
+std::string StatusOf(pid_t Process, const std::string& Key)
 {
     std::ifstream Status("/proc/" + std::to_string(Process) + "/status");
     for (std::string Line; std::getline(Status, Line);) {
-        if (Line.starts_with(Name)) {
-            return Line.substr(Name.size());
+        if (Line.starts_with(Key)) {
+            return Line.substr(Line.find_first_not_of(" \t", Key.size()));
         }
     }
     return {};
-}
-
-/// True when the process waits, as one does whose output nobody reads.
-bool IsAsleep(pid_t Process)
-{
-    return StatusOf(Process, "State:").find("S (sleeping)") != std::string::npos;
 }
 
 /// True while a signal that was sent to the process has not arrived.
 bool IsPending(pid_t Process, int Signal)
 {
     return (std::stoull(StatusOf(Process, "ShdPnd:"), nullptr, 16) >> (Signal - 1) & 1) != 0;
+}
+
+/// True while the process waits. After its first line there is only one thing to wait for: that its output is read.
+bool Waits(pid_t Process)
+{
+    return StatusOf(Process, "State:").starts_with('S');
 }
 
 class Interrupt : public testing::TestWithParam<int> {};
@@ -82,8 +82,8 @@ TEST(Interrupt, ASecondOneKills)
 {
     Program Running({"run", "-", "--format", "candump", "-q"}, {.Input = LongScript()});
     Running.ReadLine();
-    while (!IsAsleep(Running.ID())) {
-        // until the pipe is full, it would end by itself
+    while (!Waits(Running.ID())) {
+        // its output still fits the pipe
     }
     kill(Running.ID(), SIGINT);
     while (IsPending(Running.ID(), SIGINT)) {

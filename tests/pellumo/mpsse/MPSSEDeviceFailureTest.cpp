@@ -156,7 +156,7 @@ TEST_F(Opened, IsBroughtBackIntoStepAfterAFailure)
     Device.ConfigurePins(0x03, 0x0B);
     Device.ConfigurePins(0x03, 0x0B);
 
-    EXPECT_EQ(Record.Calls, (Lines{"purge", "AA <2", "80 03 0B", "80 03 0B"}));
+    EXPECT_EQ(Record.Calls, (Lines{"purge", "AA 87 <2", "80 03 0B", "80 03 0B"}));
     EXPECT_EQ(Record.Transfers[0].Limit, 2s) << "the engine may still be clocking";
     EXPECT_EQ(Record.Transfers[1].Limit, 1s);
 }
@@ -194,7 +194,7 @@ TEST(FailingTransport, DestructionRaisesNothing)
         const MPSSEDevice Device(std::make_unique<FakeTransport>(Record), ChipFamily::FT232H);
         Record.BeforeCall = [](std::size_t) { Unplug(); };
     }
-    EXPECT_EQ(Record.Calls, (Lines{"purge", "AA <2"}));
+    EXPECT_EQ(Record.Calls, (Lines{"purge", "AA 87 <2"}));
 }
 
 } // namespace

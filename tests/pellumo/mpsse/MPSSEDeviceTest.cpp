@@ -44,7 +44,7 @@ protected:
 TEST_F(DeviceCommands, LooksForTheEngineBeforeAnythingElse)
 {
     const auto Opened = Open();
-    EXPECT_EQ(Record.Calls, (Lines{"purge", "AA <2"}));
+    EXPECT_EQ(Record.Calls, (Lines{"purge", "AA 87 <2"}));
 }
 
 TEST_F(DeviceCommands, WithoutTheEnginesAnswerThereIsNoDevice)

@@ -31,6 +31,7 @@ TEST(BusFile, DescribesSlavesWithTheirDefaults)
         name = "door"
         clock_error = -0.5
         response_space = 2
+        byte_space = 0.25
         [[slave.frame]]
         id = 0x3D
         data = [0x12, 0x34]
@@ -54,6 +55,7 @@ TEST(BusFile, DescribesSlavesWithTheirDefaults)
     EXPECT_EQ(Door.Name, "door");
     EXPECT_EQ(Door.ClockError, -0.5);
     EXPECT_EQ(Door.ResponseSpace, 2.0);
+    EXPECT_EQ(Door.ByteSpace, 0.25);
     ASSERT_EQ(Door.Frames.size(), 2U);
     EXPECT_EQ(Door.Frames[0].Identifier, 0x3D);
     EXPECT_EQ(Door.Frames[0].Data, (std::vector<std::uint8_t>{0x12, 0x34}));
@@ -64,6 +66,7 @@ TEST(BusFile, DescribesSlavesWithTheirDefaults)
     EXPECT_EQ(Door.Frames[1].FixedChecksum, 0xA5);
     EXPECT_EQ(Plain.ClockError, 0.0);
     EXPECT_EQ(Plain.ResponseSpace, 1.0);
+    EXPECT_EQ(Plain.ByteSpace, 0.0);
     EXPECT_EQ(Plain.Frames.at(0).Data.size(), 8U);
     EXPECT_EQ(Plain.Frames.at(0).Checksum, Tarvix::elcLIN20);
     EXPECT_TRUE(Silent.Frames.empty());
@@ -167,11 +170,12 @@ INSTANTIATE_TEST_SUITE_P(
         ErrorCase{"[[slave]]\nname = 3", "2: \"name\" must be a text"},
         ErrorCase{"[[slave]]\nname = \"a\"\nclock = 1",
                   "3: unknown key \"clock\" in [[slave]]; known are \"name\", \"clock_error\", \"response_space\", "
-                  "\"frame\""},
+                  "\"byte_space\", \"frame\""},
         ErrorCase{"[[slave]]\nname = \"a\"\nclock_error = \"1\"", "3: \"clock_error\" must be a number"},
         ErrorCase{"[[slave]]\nname = \"a\"\nclock_error = -20.1", "3: \"clock_error\" must be from -20 to 20"},
         ErrorCase{"[[slave]]\nname = \"a\"\nclock_error = nan", "3: \"clock_error\" must be from -20 to 20"},
         ErrorCase{"[[slave]]\nname = \"a\"\nresponse_space = -0.1", "3: \"response_space\" must be from 0 to 1000"},
+        ErrorCase{"[[slave]]\nname = \"a\"\nbyte_space = -1", "3: \"byte_space\" must be from 0 to 1000"},
         ErrorCase{"[[slave]]\nname = \"a\"\nresponse_space = 1001", "3: \"response_space\" must be from 0 to 1000"},
         ErrorCase{"[[slave]]\nname = \"a\"\n[slave.frame]\nid = 1", "3: \"frame\" must be written as [[slave.frame]]"},
         ErrorCase{"seed = -1", "1: \"seed\" must be at least 0"},

@@ -117,6 +117,25 @@ TEST(WireFaults, FindTheirFrameAndByte)
     }
 }
 
+TEST(WireFaults, FindFramesThatNoNodeKnowsAndLeaveOutThoseWithWrongParity)
+{
+    SimulatedBus Bus({.WireFaults = {{Effect::Dominant, {.Frame = 0x3D, .Sample = 1}, 1}}});
+    EXPECT_EQ(FirstDominant(Exchange(Bus, CommanderStream().Request(Protected3D)), Header), Header + 1);
+    EXPECT_EQ(FirstDominant(Exchange(Bus, CommanderStream().Request(0x3D)), Header), Header + 1120);
+}
+
+TEST(WireFaults, StartOverWithTheNextHeaderAtAnyBitRate)
+{
+    // The whole break of the fast header is shorter than one bit of the slow one, in whose frame it is the first byte.
+    SimulatedBus Bus({.WireFaults = {{Effect::Recessive, {.Frame = 0x3D, .Byte = 0}, 1}}});
+    const CommanderStream Slow = CommanderStream().Header(Protected3D);
+    const CommanderStream Fast = CommanderStream().Header(Protected21);
+    EXPECT_EQ(Exchange(Bus, Slow, 20 * Ticks19200), Slow.Data());
+    Bytes Expected = Fast.Data();
+    Expected[0] |= 1;
+    EXPECT_EQ(Exchange(Bus, Fast), Expected);
+}
+
 TEST(WireFaults, AreSeenByTheNodesButForTheMissingEcho)
 {
     const std::size_t SyncBit = CommanderStream::BreakSamples + 16; // a recessive bit of the sync field
@@ -138,8 +157,9 @@ TEST(WireFaults, SilenceANodeThatDoesNotFindItsOwnBit)
         std::size_t LastDominant; // of the answer, counted from its start edge
     };
     for (const auto& [What, Kind, Sample, Length, LastDominant] :
-         {MonitorCase{"over the middle of a recessive bit", Effect::Dominant, 5 * 8 + 3, 2, 5 * 8 + 4},
-          {"beside the middle", Effect::Dominant, 5 * 8 + 5, 2, 231},
+         {MonitorCase{"from the middle of a recessive bit on", Effect::Dominant, 5 * 8 + 4, 2, 5 * 8 + 5},
+          {"just before the middle", Effect::Dominant, 5 * 8 + 2, 2, 231},
+          {"just after the middle", Effect::Dominant, 5 * 8 + 5, 2, 231},
           {"over the middle of a dominant bit", Effect::Recessive, 3 * 8 + 3, 2, 3 * 8 + 2}}) {
         SimulatedBus Bus = DoorBusWith({{Kind, {.Frame = 0x3D, .Byte = 0, .Sample = Sample}, Length}});
         const Bytes In = Exchange(Bus, CommanderStream().Request(Protected3D));

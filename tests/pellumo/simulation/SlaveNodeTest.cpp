@@ -59,6 +59,34 @@ TEST(SlaveNode, AnswersToNoOtherSyncField)
     }
 }
 
+TEST(SlaveNode, AllowsEachBitOfTheSyncFieldHalfABitTime)
+{
+    const auto Answer = [](std::size_t StartBit, std::size_t FirstBit) {
+        SimulatedBus Bus = BusWith(Door());
+        CommanderStream Stream;
+        Stream.Break().Level(StartBit, 0).Level(FirstBit, 1);
+        for (int k = 1; k < 8; ++k) {
+            Stream.Level(CommanderStream::SamplesPerBit, (k + 1) % 2);
+        }
+        Stream.Idle(1).Byte(Protected3D);
+        const std::size_t Header = Stream.Samples();
+        return Decode(Exchange(Bus, Stream.Idle(140)), Header);
+    };
+    EXPECT_EQ(Answer(4, 12), DoorAnswer);
+    EXPECT_EQ(Answer(12, 4), DoorAnswer);
+    EXPECT_EQ(Answer(3, 11), Silence) << "the start bit is too short, nothing is too long";
+    EXPECT_EQ(Answer(13, 5), Silence) << "the start bit is too long, nothing is too short";
+}
+
+TEST(SlaveNode, TakesAPulseShorterThanHalfABitForNoStartBit)
+{
+    SimulatedBus Bus = BusWith(Door());
+    CommanderStream Stream;
+    Stream.Break().Byte(0x55).Idle(2).Level(4, 0).Idle(2).Byte(Protected3D);
+    const std::size_t Header = Stream.Samples();
+    EXPECT_EQ(Decode(Exchange(Bus, Stream.Idle(140)), Header), DoorAnswer);
+}
+
 TEST(SlaveNode, AnswersToNoOtherIdentifierAndToNoWrongParity)
 {
     for (int Identifier = 0; Identifier <= 0xFF; ++Identifier) {
@@ -91,6 +119,16 @@ TEST(SlaveNode, AnswersAfterItsResponseSpaceToTheSample)
         const Bytes In = Exchange(Bus, CommanderStream().Request(Protected3D));
         EXPECT_EQ(FirstDominant(In, CommanderStream::HeaderSamples), CommanderStream::HeaderSamples + Samples) << Bits;
     }
+}
+
+TEST(SlaveNode, DropsAnAnswerWhenTheNextHeaderComesFirst)
+{
+    SlaveDescription Slave = Door();
+    Slave.ResponseSpace = 60;
+    SimulatedBus Bus = BusWith(Slave);
+    const Bytes In = Exchange(Bus, CommanderStream().Header(Protected3D).Idle(20).Header(0x00).Idle(100));
+    const std::size_t SecondHeader = 2 * CommanderStream::HeaderSamples + 160;
+    EXPECT_EQ(Decode(In, SecondHeader), Silence);
 }
 
 TEST(SlaveNode, CopiesWhatItLastReceived)

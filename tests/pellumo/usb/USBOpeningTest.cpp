@@ -135,17 +135,17 @@ TEST_P(USBInterfaces, WithoutAnEngineAreRefused)
 
 INSTANTIATE_TEST_SUITE_P(
     Last, USBInterfaces,
-    testing::Values(InterfaceCase{ChipFamily::FT2232D, 2, errPellumo::errWrongChip,
-                                  "ftdi://ftdi:2232d:S/2: the FT2232D has no MPSSE engine on this interface. Use 1"},
-                    InterfaceCase{
-                        ChipFamily::FT4232H, 3, errPellumo::errWrongChip,
-                        "ftdi://ftdi:4232h:S/3: the FT4232H has no MPSSE engine on this interface. Use 1 or 2"},
-                    InterfaceCase{ChipFamily::FT4232H, 5, errPellumo::errNotFound,
-                                  "ftdi://ftdi:4232h:S/5: the FT4232H has no such interface. Use 1 or 2"},
-                    InterfaceCase{ChipFamily::FT232H, 2, errPellumo::errNotFound,
-                                  "ftdi://ftdi:232h:S/2: the FT232H has no such interface. Use 1"},
-                    InterfaceCase{ChipFamily::FT232H, 0, errPellumo::errNotFound,
-                                  "ftdi://ftdi:232h:S/0: the FT232H has no such interface. Use 1"}));
+    testing::Values(
+        InterfaceCase{ChipFamily::FT2232D, 2, errPellumo::errWrongChip,
+                      "ftdi://ftdi:2232d:S/2: the FT2232D has no MPSSE engine on this interface. Use interface 1"},
+        InterfaceCase{ChipFamily::FT4232H, 3, errPellumo::errWrongChip,
+                      "ftdi://ftdi:4232h:S/3: the FT4232H has no MPSSE engine on this interface. Use interface 1 or 2"},
+        InterfaceCase{ChipFamily::FT4232H, 5, errPellumo::errNotFound,
+                      "ftdi://ftdi:4232h:S/5: the FT4232H has no such interface. Use interface 1 or 2"},
+        InterfaceCase{ChipFamily::FT232H, 2, errPellumo::errNotFound,
+                      "ftdi://ftdi:232h:S/2: the FT232H has no such interface. Use interface 1"},
+        InterfaceCase{ChipFamily::FT232H, 0, errPellumo::errNotFound,
+                      "ftdi://ftdi:232h:S/0: the FT232H has no such interface. Use interface 1"}));
 
 TEST_F(USBOpening, TwoPortsOfOneChipAreTwoDevices)
 {

@@ -212,8 +212,19 @@ TEST_F(USBTransfer, EndsAtItsLimitAndTellsHowFarItGot)
               "in again and open it again"));
 }
 
+// What is flushed may have left in full packets already; then no packet follows to end a longer read.
+TEST_F(USBTransfer, LastsNoLongerThanTheWireWhenTheAnswerFillsItsPackets)
+{
+    for (const std::size_t Count : {510U, 1020U}) {
+        const Ticks Begin = Usb.Now();
+        EXPECT_EQ(Transfer(ExchangeCommand(Pattern(Count)), Count), Pattern(Count));
+        EXPECT_EQ((Usb.Now() - Begin).count(), static_cast<std::int64_t>(Count) * 8 * 2 * 195);
+    }
+}
+
 TEST_F(USBTransfer, GoesOnAfterAStall)
 {
+    const Ticks Begin = Usb.Now();
     Chip.Faults[Chip.Transfers + 1] = Fault::Stall; // the write; the read is in flight by then
     EXPECT_EQ(FailureOf([&] {
                   Transfer({0xAA, 0x87}, 2);
@@ -222,6 +233,11 @@ TEST_F(USBTransfer, GoesOnAfterAStall)
                     "ftdi://ftdi:232h:S/1: the transfer failed: the chip refused it. Plug it in again and try again"));
     EXPECT_EQ(Chip.ClearedHalts, (std::vector<unsigned>{0x02, 0x81}));
     EXPECT_EQ(Transfer({0xAA, 0x87}, 2), (Bytes{0xFA, 0xAA}));
+
+    Chip.Faults[Chip.Transfers] = Fault::Stall; // the read; the write is too long for the chip's buffer
+    EXPECT_EQ(FailureOf([&] { Transfer(ExchangeCommand(Pattern(2000)), 2000); }).Number,
+              static_cast<std::uint32_t>(errPellumo::errStalled));
+    EXPECT_EQ(Usb.Now(), Begin); // nobody waits for the other direction
 }
 
 TEST_F(USBTransfer, IsRefusedAfterClose)

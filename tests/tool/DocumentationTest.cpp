@@ -5,12 +5,10 @@
 #include <gtest/gtest.h>
 
 #include <array>
-#include <cstdio>
-#include <memory>
 #include <regex>
 #include <set>
+#include <sstream>
 #include <string>
-#include <utility>
 #include <vector>
 
 namespace Tarvix::Testing {
@@ -64,16 +62,11 @@ Words BashOffers(const std::vector<std::string>& Line)
         Script += " '" + Word + "'";
     }
     Script += "); COMP_CWORD=" + std::to_string(Line.size()) + "; _tarvix; printf '%s\\n' \"${COMPREPLY[@]}\"";
-    const TemporaryDirectory Directory;
-    const std::string Call = "bash '" + Directory.Write("complete.sh", Script) + "'";
-    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> Output(popen(Call.c_str(), "r"), pclose);
+    std::istringstream Output(RunProgram({}, {.Input = Script, .Executable = "/bin/bash"}).Out);
     Words Offers;
-    std::string Word;
-    for (int Next = std::fgetc(Output.get()); Next != EOF; Next = std::fgetc(Output.get())) {
-        if (Next != '\n') {
-            Word += static_cast<char>(Next);
-        } else if (!Word.empty()) {
-            Offers.insert(std::exchange(Word, {}));
+    for (std::string Word; std::getline(Output, Word);) {
+        if (!Word.empty()) {
+            Offers.insert(Word);
         }
     }
     return Offers;

@@ -151,14 +151,15 @@ TEST(FrameTable, ColoursTheResult)
 /// Everything computes under a decimal comma while it lives.
 class DecimalComma {
 public:
-    DecimalComma() : Old_(std::locale::global(std::locale(std::locale::classic(), new Comma)))
+    DecimalComma()
+        : Old_(std::locale::global(std::locale(std::locale::classic(), new Comma))),
+          Set_(std::setlocale(LC_ALL, "de_DE.UTF-8") != nullptr)
     {
-        Set_ = std::setlocale(LC_ALL, "de_DE.UTF-8") != nullptr;
     }
     ~DecimalComma()
     {
         std::locale::global(Old_);
-        std::setlocale(LC_ALL, "C");
+        static_cast<void>(std::setlocale(LC_ALL, "C"));
     }
     DecimalComma(const DecimalComma&) = delete;
     DecimalComma& operator=(const DecimalComma&) = delete;
@@ -173,7 +174,7 @@ private:
     };
 
     std::locale Old_;
-    bool Set_ = false;
+    bool Set_;
 };
 
 TEST(FramePrinters, KnowNoLocale)

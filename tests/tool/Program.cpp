@@ -17,6 +17,12 @@ namespace Tarvix::Testing {
 
 namespace {
 
+/// The system's own, which is declared with a variable argument list.
+int Open(const char* Path, int Flags)
+{
+    return open(Path, Flags | O_CLOEXEC, 0600); // NOLINT(cppcoreguidelines-pro-type-vararg): declared so
+}
+
 /// What one end of a pipe or terminal is for.
 struct Channel {
     int Ours;
@@ -40,7 +46,7 @@ Channel OpenTerminal()
     }
     std::array<char, 64> Name{};
     ptsname_r(Ours, Name.data(), Name.size());
-    return {Ours, open(Name.data(), O_RDWR | O_NOCTTY | O_CLOEXEC)};
+    return {Ours, Open(Name.data(), O_RDWR | O_NOCTTY)};
 }
 
 Channel OpenOutput(const Surroundings& Around)
@@ -48,8 +54,7 @@ Channel OpenOutput(const Surroundings& Around)
     if (Around.OutputFile.empty()) {
         return Around.Terminal ? OpenTerminal() : OpenPipe();
     }
-    return {open("/dev/null", O_RDONLY | O_CLOEXEC),
-            open(Around.OutputFile.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600)};
+    return {Open("/dev/null", O_RDONLY), Open(Around.OutputFile.c_str(), O_WRONLY | O_CREAT | O_TRUNC)};
 }
 
 std::vector<std::string> EnvironmentFor(const Surroundings& Around)
@@ -68,6 +73,7 @@ std::vector<std::string> EnvironmentFor(const Surroundings& Around)
 std::vector<char*> Pointers(std::vector<std::string>& Texts)
 {
     std::vector<char*> Result;
+    Result.reserve(Texts.size() + 1);
     for (std::string& Text : Texts) {
         Result.push_back(Text.data());
     }
@@ -93,7 +99,7 @@ Program::Program(const std::vector<std::string>& Arguments, const Surroundings& 
     const Channel Output = OpenOutput(Around);
     Output_.reset(fdopen(Output.Ours, "r"));
     const File Input(std::tmpfile(), std::fclose);
-    std::fwrite(Around.Input.data(), 1, Around.Input.size(), Input.get());
+    static_cast<void>(std::fwrite(Around.Input.data(), 1, Around.Input.size(), Input.get()));
     std::rewind(Input.get());
 
     posix_spawn_file_actions_t Actions{};
@@ -102,11 +108,11 @@ Program::Program(const std::vector<std::string>& Arguments, const Surroundings& 
     posix_spawn_file_actions_adddup2(&Actions, Output.Theirs, STDOUT_FILENO);
     posix_spawn_file_actions_adddup2(&Actions, fileno(Error_.get()), STDERR_FILENO);
 
-    std::vector<std::string> Texts = {TARVIX_PROGRAM};
+    std::vector<std::string> Texts = {Around.Executable.empty() ? TARVIX_PROGRAM : Around.Executable};
     Texts.insert(Texts.end(), Arguments.begin(), Arguments.end());
     std::vector<std::string> Environment = EnvironmentFor(Around);
-    const int Failure =
-        posix_spawn(&ID_, TARVIX_PROGRAM, &Actions, nullptr, Pointers(Texts).data(), Pointers(Environment).data());
+    const int Failure = posix_spawn(&ID_, Texts.front().c_str(), &Actions, nullptr, Pointers(Texts).data(),
+                                    Pointers(Environment).data());
     posix_spawn_file_actions_destroy(&Actions);
     close(Output.Theirs);
     if (Failure != 0) {

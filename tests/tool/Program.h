@@ -25,6 +25,7 @@ struct Surroundings {
     std::vector<std::string> Environment{}; ///< NAME=VALUE; NO_COLOR and TERM are absent otherwise
     bool Terminal = false;                  ///< the standard output is a terminal
     std::string OutputFile{};               ///< the standard output goes here
+    std::string Executable{};               ///< another program instead
 };
 
 /// The program, running.

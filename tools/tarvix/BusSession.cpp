@@ -3,6 +3,8 @@
 #include "pellumo/OpenDevice.h"
 #include "tools/tarvix/FrameFailure.h"
 
+#include <csignal>
+
 namespace Tarvix::Tool {
 
 namespace {
@@ -96,6 +98,9 @@ int WithBus(const BusOptions& Options, bool Scan, const std::function<ExitStatus
     try {
         Status = Work(Session);
     } catch (const Interrupted& Request) {
+        if (Request.Signal != SIGPIPE) {
+            Session.Frames().Settle(); // the end came before the next operation
+        }
         Status = AfterSignal + Request.Signal;
     }
     Session.Finish();

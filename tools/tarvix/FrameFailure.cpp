@@ -77,9 +77,9 @@ constexpr std::array Advices = {
 
 const Advice* Find(const Error& Failure)
 {
-    const auto Found = std::find_if(Advices.begin(), Advices.end(),
-                                    [&Failure](const Advice& One) { return One.Number == Failure.Number(); });
-    return Found == Advices.end() ? nullptr : &*Found;
+    const auto* const Found = std::find_if(Advices.begin(), Advices.end(),
+                                           [&Failure](const Advice& One) { return One.Number == Failure.Number(); });
+    return Found == Advices.end() ? nullptr : Found;
 }
 
 } // namespace

@@ -46,8 +46,6 @@ void OutputFile::Write(std::string_view Text)
 
 void OutputFile::Close()
 {
-    Stream_.flush(); // apart from closing, whose own failures would hide the reason
-    Check();
     Stream_.close();
     Check();
 }

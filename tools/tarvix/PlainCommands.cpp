@@ -83,7 +83,7 @@ int Execute(const PrintAndExit& Arguments)
     if (Arguments.Status == AllWell) {
         Console(false).Print(Arguments.Text);
     } else {
-        std::fputs(Arguments.Text.c_str(), stderr);
+        static_cast<void>(std::fputs(Arguments.Text.c_str(), stderr)); // nobody is left to tell a failure to
     }
     return Arguments.Status;
 }

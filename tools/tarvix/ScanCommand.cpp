@@ -37,26 +37,23 @@ void Judge(FrameReport& Frame)
 /// Asks one identifier; returns the answer, right or wrong, or nothing when nobody answered.
 std::optional<FrameReport> Ask(BusSession& Session, std::uint8_t Identifier)
 {
-    std::optional<Error> Fault;
-    bool Answered = true;
+    constexpr std::int32_t LongestLength = 8;
     try {
-        constexpr std::int32_t LongestLength = 8;
-        Answered = Session.Master().ReadFrame(clsLIN::ComputeIDParity(Identifier), LongestLength, false);
+        if (!Session.Master().ReadFrame(clsLIN::ComputeIDParity(Identifier), LongestLength, false)) {
+            Session.Frames().Take();
+            return std::nullopt;
+        }
     } catch (const Error& Failure) {
-        Fault = Failure;
+        std::optional<FrameReport> Frame = Session.Frames().Take();
+        if (!Frame || !TellsOf(Failure, *Frame)) {
+            throw; // of the device: it would meet every further read
+        }
+        if (!Failure.Is(errLIN::errResponseLength)) { // any length is welcome
+            Frame->Failure = Failure;
+        }
+        return Frame;
     }
-    std::optional<FrameReport> Frame = Session.Frames().Take();
-    if (Fault && !(Frame && TellsOf(*Fault, *Frame))) {
-        throw *Fault; // of the device: it would meet every further read
-    }
-    if (!Answered || !Frame) {
-        return std::nullopt;
-    }
-    if (Fault && !Fault->Is(errLIN::errResponseLength)) { // any length is welcome
-        Frame->Failure = Fault;
-    }
-    Judge(*Frame);
-    return Frame;
+    return Session.Frames().Take();
 }
 
 std::string Summary(int Answers, int Faults)
@@ -76,7 +73,8 @@ ExitStatus Scan(BusSession& Session)
     try {
         for (std::uint8_t Identifier = 0; Identifier < Identifiers; ++Identifier) {
             Session.Output().Progress(static_cast<double>(Identifier) / Identifiers);
-            if (const auto Frame = Ask(Session, Identifier)) {
+            if (auto Frame = Ask(Session, Identifier)) {
+                Judge(*Frame);
                 Session.Print(*Frame);
                 ++Answers;
                 Faults += Frame->Failure ? 1 : 0;

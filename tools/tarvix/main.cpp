@@ -30,6 +30,6 @@ int Run(std::vector<std::string> Arguments)
 int main(int Count, char** Arguments)
 {
     // A reader that has gone is noticed when a line is printed; files are completed then, and the bus is left in order.
-    std::signal(SIGPIPE, SIG_IGN);
+    static_cast<void>(std::signal(SIGPIPE, SIG_IGN));
     return Run({Arguments + 1, Arguments + Count});
 }

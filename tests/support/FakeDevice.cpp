@@ -42,7 +42,7 @@ std::int32_t FakeDevice::DivisorForFrequency(double Frequency)
     Record("DivisorForFrequency");
     Frequencies.push_back(Frequency);
     const double Divisor = std::nearbyint(30e6 / Frequency - 1.0);
-    return Divisor >= 0.0 && Divisor <= 65535.0 ? static_cast<std::int32_t>(Divisor) : -1;
+    return Divisor >= 0.0 && Divisor <= 65535.0 ? static_cast<std::int32_t>(Divisor) : 0;
 }
 
 void FakeDevice::SetClockDivisor(std::int32_t Divisor)

@@ -37,7 +37,7 @@ std::string Example(const char* Name)
     return {std::istreambuf_iterator<char>(File), {}};
 }
 
-void Run(std::string_view URL, std::string_view Script, Traffic& Seen)
+void RunScript(std::string_view URL, std::string_view Script, Traffic& Seen)
 {
     const auto Device = OpenDevice(URL);
     Recorder Tap(*Device);
@@ -57,12 +57,12 @@ TEST_P(USBScripts, MakeTheSameTrafficAsTheDirectRoad)
     const std::string Script = Example(GetParam());
     ASSERT_FALSE(Script.empty());
     Traffic Direct;
-    Run("sim:", Script, Direct);
+    RunScript("sim:", Script, Direct);
 
     SimulatedBus Bus(ExampleBus());
     FakeUSBDevice& Chip = Usb.Plug(ChipFamily::FT232H, "S", Bus);
     Traffic OverUSB;
-    Run("ftdi:///1", Script, OverUSB);
+    RunScript("ftdi:///1", Script, OverUSB);
 
     EXPECT_GT(Direct.Exchanges, 0U);
     EXPECT_EQ(OverUSB.Sent, Direct.Sent);

@@ -1,9 +1,9 @@
 #include "pellumo/recording/FrameNotes.h"
 
-#include "pellumo/recording/AnswerTiming.h"
-#include "pellumo/recording/SVGText.h"
 #include "pellumo/common/FrameBytes.h"
 #include "pellumo/common/SampleRuns.h"
+#include "pellumo/recording/AnswerTiming.h"
+#include "pellumo/recording/SVGText.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,8 +1,8 @@
 #include "pellumo/recording/FramePicture.h"
 
+#include "pellumo/common/SampleRuns.h"
 #include "pellumo/recording/FrameNotes.h"
 #include "pellumo/recording/SVGText.h"
-#include "pellumo/common/SampleRuns.h"
 
 #include <algorithm>
 #include <cstddef>

@@ -1,9 +1,9 @@
 #include "pellumo/simulation/BusFile.h"
 
+#include "pellumo/common/FrameBytes.h"
 #include "pellumo/errPellumo.h"
 #include "pellumo/simulation/BusFileFaults.h"
 #include "pellumo/simulation/CheckedTable.h"
-#include "pellumo/common/FrameBytes.h"
 #include "tarvix/common/Formating.h"
 #include "tarvix/common/Raise.h"
 

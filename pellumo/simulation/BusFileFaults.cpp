@@ -1,7 +1,7 @@
 #include "pellumo/simulation/BusFileFaults.h"
 
-#include "pellumo/simulation/CheckedTable.h"
 #include "pellumo/common/FrameBytes.h"
+#include "pellumo/simulation/CheckedTable.h"
 #include "tarvix/common/Formating.h"
 
 #include <algorithm>

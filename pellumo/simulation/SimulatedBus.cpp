@@ -1,8 +1,8 @@
 #include "pellumo/simulation/SimulatedBus.h"
 
 #include "pellumo/common/FrameBytes.h"
-#include "pellumo/simulation/RandomBits.h"
 #include "pellumo/common/SampleRuns.h"
+#include "pellumo/simulation/RandomBits.h"
 
 #include <algorithm>
 

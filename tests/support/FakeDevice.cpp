@@ -41,6 +41,9 @@ std::int32_t FakeDevice::DivisorForFrequency(double Frequency)
 {
     Record("DivisorForFrequency");
     Frequencies.push_back(Frequency);
+    if (!(Frequency > 0.0)) { // true for not-a-number, too
+        return 0;
+    }
     const double Divisor = std::nearbyint(30e6 / Frequency - 1.0);
     return Divisor >= 0.0 && Divisor <= 65535.0 ? static_cast<std::int32_t>(Divisor) : 0;
 }

@@ -60,7 +60,7 @@ TEST(Commands, ReachTheMasterWithTheirValues)
 {
     struct Case {
         const char* Text = "";
-        const char* Line;
+        const char* Line = "";
     };
     for (const auto& [Text, Line] : {
              Case{"BAUDRATE 9600 BD;", "BAUDRATE 9600 BD;"},

@@ -8,7 +8,9 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
 #include <optional>
+#include <ostream>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -37,6 +39,11 @@ constexpr Colors Light = {ColorScheme::Light, 0xFFFFFF, 0xDDF0FF, 0xFFF0D9, 0x2F
                           0x0B4F9E,           0x8A4500, 0x8C959F, 0x1F2328, 0x57606A};
 constexpr Colors Dark = {ColorScheme::Dark, 0x0D1117, 0x12263F, 0x38260F, 0x4A90D9, 0xF0A04B,
                          0x7CB8FF,          0xFFB86B, 0x7D8590, 0xE6EDF3, 0x9AA4AF};
+
+void PrintTo(const Colors& Value, std::ostream* Out)
+{
+    *Out << (Value.Scheme == ColorScheme::Light ? "light" : "dark");
+}
 
 /// A field as it was put on the bus.
 struct Field {
@@ -106,13 +113,17 @@ protected:
         return Shown_.At(X, FirstRow + RowHeight * static_cast<double>(Row) + Y);
     }
 
+    static int PixelAt(double Length) { return static_cast<int>(std::lround(Length * Screenshot::Scale)); }
+
     /// What differs from the background in an area of a row.
     std::optional<Ink> InkIn(std::size_t Row, const Area& Where, std::uint32_t Background, std::uint32_t Color) const
     {
         constexpr double Pixel = 1.0 / Screenshot::Scale;
         std::optional<Ink> Found;
-        for (double Y = Where.Top; Y < Where.Bottom; Y += Pixel) {
-            for (double X = Where.Left; X < Where.Right; X += Pixel) {
+        for (int Line = PixelAt(Where.Top); Line < PixelAt(Where.Bottom); ++Line) {
+            for (int Column = PixelAt(Where.Left); Column < PixelAt(Where.Right); ++Column) {
+                const double X = Column * Pixel;
+                const double Y = Line * Pixel;
                 const std::uint32_t Seen = At(Row, X, Y);
                 if (Seen == Background) {
                     continue;

@@ -42,6 +42,7 @@ void clsLINScriptInterpreter::ExecuteScript(std::u16string_view Script)
 void clsLINScriptInterpreter::ExecuteScript(std::string_view Script)
 {
     const SingleRun Run(*this);
+    Lexer_ = std::make_unique<clsLINScriptLexer>(); // the earlier script's memory goes before this one takes its own
     Lexer_->TakeInput(UTF8ToUTF16(Script));
     ExecuteInput();
 }

@@ -93,8 +93,10 @@ TEST(Allocations, AScriptNeedsAtMostFourTimesItsSize)
     while (Script.size() < Size) {
         Script += Line;
     }
-    Interpreter.ExecuteScript(Script);
-    EXPECT_LE(PeakBytes() - Before, 4 * Script.size());
+    for (int Run = 0; Run < 2; ++Run) { // the second one beside what the first one has left
+        Interpreter.ExecuteScript(Script);
+        EXPECT_LE(PeakBytes() - Before, 4 * Script.size());
+    }
 }
 
 } // namespace Tarvix

@@ -7,9 +7,11 @@
 
 #include <algorithm>
 #include <array>
+#include <filesystem>
 #include <functional>
 #include <sstream>
 #include <string_view>
+#include <system_error>
 #include <utility>
 
 namespace Tarvix::Tool {
@@ -136,6 +138,14 @@ void AddBusOptions(CLI::App& App, BusOptions& Bus)
     App.add_flag("-q,--quiet", Bus.Quiet, "No notices and no progress bar; errors are still told");
 }
 
+/// The file that a path leads to, whether it exists or not.
+std::filesystem::path FileAt(const std::string& Path)
+{
+    std::error_code Failure;
+    auto File = std::filesystem::weakly_canonical(std::filesystem::absolute(Path, Failure), Failure);
+    return Failure ? std::filesystem::path(Path) : File; // opening it will tell what is wrong
+}
+
 /// One file cannot hold two kinds of output.
 void RefuseSharedFiles(const BusOptions& Bus)
 {
@@ -143,7 +153,7 @@ void RefuseSharedFiles(const BusOptions& Bus)
                               std::pair{"--record", &Bus.RecordFile}};
     for (std::size_t i = 0; i < Files.size(); ++i) {
         for (std::size_t k = i + 1; k < Files.size(); ++k) {
-            if (!Files[i].second->empty() && *Files[i].second == *Files[k].second) {
+            if (!Files[i].second->empty() && FileAt(*Files[i].second) == FileAt(*Files[k].second)) {
                 throw CLI::ValidationError(
                     Files[k].first,
                     std::string("the same file is given to ").append(Files[i].first).append("; give each its own."));

@@ -252,6 +252,8 @@ INSTANTIATE_TEST_SUITE_P(
         UsageCase{{"scan", "-b", "fast"}, 2, "\"fast\" is no bit rate"},
         UsageCase{{"scan", "--vcd", "x", "--record", "x"}, 2, "same file is given to --vcd"},
         UsageCase{{"scan", "--svg", "/tmp/../x", "--record", "/x"}, 2, "same file is given to --svg"},
+        UsageCase{{"run", "-", "a.lin", "--record", "./a.lin"}, 2, "--record: the script a.lin would be overwritten"},
+        UsageCase{{"scan", "-d", "sim:bus", "--vcd", "bus"}, 2, "--vcd: the bus file bus would be overwritten"},
         UsageCase{{"id"}, 2, "ID is required"}, UsageCase{{"id", "40"}, 2, "end at 3F"},
         UsageCase{{"run", "/nowhere/a.lin"}, 2, "/nowhere/a.lin cannot be read: No such file or directory. Check"},
         UsageCase{{"run", "/"}, 2, "The script / cannot be read: Is a directory"},

@@ -2,16 +2,16 @@
 
 #include "tarvix/master/Process.h"
 #include "tools/tarvix/ArgumentValues.h"
+#include "tools/tarvix/FileClash.h"
 
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
 #include <array>
-#include <filesystem>
 #include <functional>
+#include <span>
 #include <sstream>
 #include <string_view>
-#include <system_error>
 #include <utility>
 
 namespace Tarvix::Tool {
@@ -138,27 +138,11 @@ void AddBusOptions(CLI::App& App, BusOptions& Bus)
     App.add_flag("-q,--quiet", Bus.Quiet, "No notices and no progress bar; errors are still told");
 }
 
-/// The file that a path leads to, whether it exists or not.
-std::filesystem::path FileAt(const std::string& Path)
+/// No file may be overwritten by another's output.
+void RefuseFileClashes(const BusOptions& Bus, std::span<const std::string> Scripts = {})
 {
-    std::error_code Failure;
-    auto File = std::filesystem::weakly_canonical(std::filesystem::absolute(Path, Failure), Failure);
-    return Failure ? std::filesystem::path(Path) : File; // opening it will tell what is wrong
-}
-
-/// One file cannot hold two kinds of output.
-void RefuseSharedFiles(const BusOptions& Bus)
-{
-    const std::array Files = {std::pair{"--vcd", &Bus.VCDFile}, std::pair{"--svg", &Bus.SVGFile},
-                              std::pair{"--record", &Bus.RecordFile}};
-    for (std::size_t i = 0; i < Files.size(); ++i) {
-        for (std::size_t k = i + 1; k < Files.size(); ++k) {
-            if (!Files[i].second->empty() && FileAt(*Files[i].second) == FileAt(*Files[k].second)) {
-                throw CLI::ValidationError(
-                    Files[k].first,
-                    std::string("the same file is given to ").append(Files[i].first).append("; give each its own."));
-            }
-        }
+    if (const auto Clash = FindFileClash(Bus, Scripts)) {
+        throw CLI::ValidationError(Clash->Option, Clash->Problem);
     }
 }
 
@@ -211,7 +195,7 @@ private:
     {
         const auto [App, Arguments] = Add(Name, Help, Examples, Record{});
         AddBusOptions(App, Arguments.Bus);
-        App.parse_complete_callback([&Bus = Arguments.Bus] { RefuseSharedFiles(Bus); });
+        App.parse_complete_callback([&Bus = Arguments.Bus] { RefuseFileClashes(Bus); });
         return {App, Arguments};
     }
 
@@ -221,6 +205,7 @@ private:
         App.add_option("SCRIPT", Run.Scripts, "Script file in UTF-8 or UTF-16; - is the standard input")
             ->required()
             ->type_name("");
+        App.parse_complete_callback([&Run = Run] { RefuseFileClashes(Run.Bus, Run.Scripts); });
     }
 
     void AddWrite()
@@ -229,7 +214,7 @@ private:
         AddValue(App, "ID", Write.Identifier, ParseIdentifier, "Frame identifier 00..3F, hexadecimal")->required();
         AddValues(App, "BYTE", Write.Data, ParseByte, "Data bytes, hexadecimal, 1 to 8 of them");
         App.parse_complete_callback([&Write = Write] {
-            RefuseSharedFiles(Write.Bus);
+            RefuseFileClashes(Write.Bus);
             if (Write.Data.empty() || Write.Data.size() > 8) {
                 throw CLI::ValidationError(
                     "BYTE", std::to_string(Write.Data.size()).append(" data bytes are given; a frame carries 1 to 8."));

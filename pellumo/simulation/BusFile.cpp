@@ -2,6 +2,7 @@
 
 #include "pellumo/common/FrameBytes.h"
 #include "pellumo/errPellumo.h"
+#include "pellumo/simulation/BareText.h"
 #include "pellumo/simulation/BusFileFaults.h"
 #include "pellumo/simulation/CheckedTable.h"
 #include "tarvix/common/Formating.h"
@@ -114,6 +115,16 @@ BusDescription ReadBus(const CheckedTable& File)
     return Bus;
 }
 
+/// toml++ 3.3 has undefined behaviour for such letters.
+void RefuseBareNonASCII(std::string_view Text, std::string_view Name)
+{
+    if (const auto Found = FindBareNonASCII(Text)) {
+        const std::string_view Before = Text.substr(0, *Found);
+        FailInFile(Name, std::count(Before.begin(), Before.end(), '\n') + 1,
+                   "letters that are not ASCII may stand only in quotes and comments");
+    }
+}
+
 } // namespace
 
 BusDescription ReadBusFile(const std::string& Path)
@@ -133,6 +144,7 @@ BusDescription ReadBusFile(const std::string& Path)
 
 BusDescription ParseBusFile(std::string_view Text, std::string_view Name)
 {
+    RefuseBareNonASCII(Text, Name);
     try {
         const toml::table File = toml::parse(Text);
         return ReadBus(CheckedTable(File, Name, "the file"));

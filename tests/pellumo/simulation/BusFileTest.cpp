@@ -23,6 +23,17 @@ Failure BusFileError(const std::string& Description)
 
 } // namespace
 
+TEST(BusFile, TakesAnyLettersInQuotesAndComments)
+{
+    const char* const Quoted[] = {R"("a\"ü")", "'aü\\'", "\"\"\"a\nü\"x\\\"\"\"\"\"\"", "'''a\n'ü''''"};
+    const char* const Names[] = {"a\"ü", "aü\\", "a\nü\"x\"\"\"", "a\n'ü'"};
+    for (std::size_t k = 0; k < std::size(Quoted); ++k) {
+        const std::string Text =
+            std::string("\xEF\xBB\xBF# ü \" '\n[[slave]]\nname = ").append(Quoted[k]).append(" # ü\n");
+        EXPECT_EQ(ParseBusFile(Text, "bus.toml").Slaves.at(0).Name, Names[k]) << Text;
+    }
+}
+
 TEST(BusFile, DescribesSlavesWithTheirDefaults)
 {
     const BusDescription Bus = ParseBusFile(R"(
@@ -168,6 +179,8 @@ INSTANTIATE_TEST_SUITE_P(
         ErrorCase{"[slave]\nname = \"a\"", "1: \"slave\" must be written as [[slave]]"},
         ErrorCase{"[[slave]]\n\n[[slave]]\nname = \"a\"", "1: [[slave]] lacks the key \"name\""},
         ErrorCase{"[[slave]]\nname = 3", "2: \"name\" must be a text"},
+        ErrorCase{"# \xC3\xBC\n[[slave]]\nname = '\xC3\xBC'\nclock_error = \xD0\x87",
+                  "4: letters that are not ASCII may stand only in quotes and comments"},
         ErrorCase{"[[slave]]\nname = \"a\"\nclock = 1",
                   "3: unknown key \"clock\" in [[slave]]; known are \"name\", \"clock_error\", \"response_space\", "
                   "\"byte_space\", \"frame\""},

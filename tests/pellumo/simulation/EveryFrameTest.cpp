@@ -43,7 +43,8 @@ Bytes Received(const clsLIN& Master)
 
 /// A master at a bus with one node.
 struct Bench {
-    explicit Bench(std::vector<FrameDescription> Frames) : Bus({.Slaves = {{.Name = "node", .Frames = std::move(Frames)}}})
+    explicit Bench(std::vector<FrameDescription> Frames)
+        : Bus({.Slaves = {{.Name = "node", .Frames = std::move(Frames)}}})
     {
         Master.Initialize(Device);
         Master.BaudrateBd(19200);

@@ -1,5 +1,6 @@
 /// @file
-/// Counts what the whole program allocates, and lets an allocation fail. Linking AllocationCounter.cpp replaces the global operator new.
+/// Counts what the whole program allocates, and lets an allocation fail. Linking AllocationCounter.cpp replaces the
+/// global operator new.
 #pragma once
 
 #include <cstddef>

@@ -59,7 +59,11 @@ const Step Session[] = {
     {"Wait", [](clsLIN& Master) { Master.Wait(1); }},
     {"GenerateBreak", [](clsLIN& Master) { Master.GenerateBreak(); }},
     {"ReadFrame", [](clsLIN& Master) { EXPECT_TRUE(Master.ReadFrame(0x7D, 2)); }, true},
-    {"WriteFrame2", [](clsLIN& Master) { Master.WriteFrame2(0x21, 1, Variant::Array{7, 0}); }, true},
+    {"WriteFrame2",
+     [](clsLIN& Master) {
+         Master.WriteFrame2(0x21, 1, Variant::Array{7, 0});
+     },
+     true},
     {"BaudrateTbit", [](clsLIN& Master) { Master.BaudrateTbit(1e-4F); }},
 };
 

@@ -29,7 +29,7 @@ def messages(text):
     text = re.sub(r"^\s*//.*$", "", text, flags=re.M)
     text = re.sub(r'"\s*\n\s*"', "", text)
     for literal in re.findall(r'"((?:[^"\\\n]|\\.)*)"', text):
-        words = literal.replace('\\"', '"').split()
+        words = literal.replace('\\"', '"').strip(" .,;)").split()
         if len(words) >= 3 and any(re.fullmatch("[a-z]{3,}", word) for word in words):
             yield re.sub(r"%\d", r"\\S+", re.escape(" ".join(words)))
 

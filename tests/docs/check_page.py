@@ -30,7 +30,7 @@ def check_blocks(page, name, workshop):
 
 def check_error_rows(page, workshop):
     for line, number, text, script in page.error_rows():
-        result = workshop.call("tarvix", "run", "-", "-q", text=script)
+        result = workshop.call("tarvix", "run", "-", "-q", text=f"{script}\n")
         if result.returncode != 1 or text not in result.stdout or f" ({number}, " not in result.stdout:
             yield f"{line}: `{script}` gives\n{result.stdout}"
 

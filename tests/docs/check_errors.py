@@ -25,12 +25,12 @@ def enumerators(text):
 
 
 def messages(text):
-    """The texts of three words and more, as patterns: what stands for a value matches any word."""
+    """The texts of two words and more, as patterns: what stands for a value matches any word."""
     text = re.sub(r"^\s*//.*$", "", text, flags=re.M)
     text = re.sub(r'"\s*\n\s*"', "", text)
     for literal in re.findall(r'"((?:[^"\\\n]|\\.)*)"', text):
         words = literal.replace('\\"', '"').strip(" .,;)").split()
-        if len(words) >= 3 and any(re.fullmatch("[a-z]{3,}", word) for word in words):
+        if len(words) >= 2 and any(re.fullmatch("[a-z]{3,}", word) for word in words):
             yield re.sub(r"%\d", r"\\S+", re.escape(" ".join(words)))
 
 

@@ -73,7 +73,7 @@ def read_page(path):
 def add_block(page, block):
     """A text right after a program is what the program prints."""
     last = page.blocks[-1] if page.blocks else None
-    if block.language == "text" and last and last.language == "cpp" and last.output is None:
+    if block.language == "text" and last and last.language in ("cpp", "python") and last.output is None:
         last.output = block.text
     else:
         page.blocks.append(block)

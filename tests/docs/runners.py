@@ -35,6 +35,8 @@ class Workshop:
             "HOME": str(self.root),
             "LC_ALL": "C.UTF-8",
             "CXX": str(compiler),
+            "PYTHONPATH": settings["python_modules"],
+            "PYTHONDONTWRITEBYTECODE": "1",
             "CMAKE_PREFIX_PATH": settings["prefix"],
             "PKG_CONFIG_PATH": os.pathsep.join(str(each.parent) for each in Path(settings["prefix"]).rglob("*.pc")),
         }
@@ -61,6 +63,12 @@ def difference(expected, printed):
 
 def failed(result):
     return f"exit status {result.returncode}\n{result.stdout}" if result.returncode != 0 else None
+
+
+def output_fault(result, block):
+    if block.output is None or result.returncode != 0:
+        return failed(result)
+    return difference(block.output, result.stdout) or None
 
 
 def run_shell(workshop, block):
@@ -105,8 +113,12 @@ def run_program(workshop, block):
     runnable = workshop.root / "block"
     if fault := failed(workshop.call(*command, "-o", runnable, *settings["libraries"])):
         return fault
-    result = workshop.call(runnable)
-    return failed(result) or (difference(block.output, result.stdout) if block.output is not None else None) or None
+    return output_fault(workshop.call(runnable), block)
+
+
+def run_python(workshop, block):
+    """It must run, and print what the page says."""
+    return output_fault(workshop.call(workshop.settings["python"], "-c", block.text), block)
 
 
 def configure(workshop, block):
@@ -117,4 +129,4 @@ def configure(workshop, block):
 
 
 RUNNERS = {"sh": run_shell, "console": run_console, "lin": run_script, "toml": run_bus_file, "cpp": run_program,
-           "cmake": configure}
+           "python": run_python, "cmake": configure}

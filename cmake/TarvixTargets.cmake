@@ -10,6 +10,18 @@ function(tarvix_compile_options Target)
                                            $<$<BOOL:${TARVIX_WERROR}>:-Werror>)
 endfunction()
 
+# The version resource of a DLL. Its texts write the minor number with two digits: "1.01".
+function(tarvix_add_version_resource Name)
+  set(Minor ${PROJECT_VERSION_MINOR})
+  if(Minor LESS 10)
+    string(PREPEND Minor 0)
+  endif()
+  set(VersionText "${PROJECT_VERSION_MAJOR}.${Minor}")
+  set(Resource "${PROJECT_BINARY_DIR}/generated/${Name}.rc")
+  configure_file("${PROJECT_SOURCE_DIR}/cmake/version.rc.in" "${Resource}" @ONLY)
+  target_sources(${Name} PRIVATE "${Resource}")
+endfunction()
+
 # A library of the project: `Name` for hosts (static or shared) and `Name_objects`, the same object files with every
 # internal symbol in reach, for the project's own tests, benchmarks and fuzzers. PUBLIC_HEADERS are installed and are all
 # that hosts may include; NAMESPACE is all that the shared library exports.
@@ -33,7 +45,10 @@ function(tarvix_add_library Name)
   if(NOT BUILD_SHARED_LIBS)
     target_compile_definitions(${Name}_objects PUBLIC ${Upper}_STATIC)
     target_compile_definitions(${Name} INTERFACE ${Upper}_STATIC)
-  elseif(UNIX AND NOT APPLE)
+  elseif(WIN32)
+    set_target_properties(${Name} PROPERTIES PREFIX "")
+    tarvix_add_version_resource(${Name})
+  elseif(NOT APPLE)
     # Hidden visibility leaves the standard library's templates visible, whatever they were instantiated for.
     set(ExportMap "${PROJECT_BINARY_DIR}/generated/${Name}.map")
     configure_file("${PROJECT_SOURCE_DIR}/cmake/exports.map.in" "${ExportMap}" @ONLY)

@@ -268,6 +268,12 @@ TEST(BusFile, TellsWhereItIsNotTOML)
     EXPECT_EQ(Raised.Description.find("bus.toml:2: "), 0U) << Raised.Description;
 }
 
+#if defined(_WIN32)
+constexpr std::string_view FolderIsNoFile = "Permission denied";
+#else
+constexpr std::string_view FolderIsNoFile = "Is a directory";
+#endif
+
 TEST(BusFile, IsReadFromDisk)
 {
     const std::filesystem::path Path = std::filesystem::path(testing::TempDir()) / "BusFileTest.toml";
@@ -279,7 +285,7 @@ TEST(BusFile, IsReadFromDisk)
     EXPECT_EQ(FailureOf([&Path] { ReadBusFile(Path.string()); }),
               BusFileError(Path.string() + ": cannot be read (No such file or directory)"));
     EXPECT_EQ(FailureOf([] { ReadBusFile(testing::TempDir()); }),
-              BusFileError(testing::TempDir() + ": cannot be read (Is a directory)"));
+              BusFileError(testing::TempDir().append(": cannot be read (").append(FolderIsNoFile).append(")")));
 }
 
 } // namespace Pellumo::Testing

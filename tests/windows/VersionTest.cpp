@@ -1,7 +1,6 @@
 #include "tarvix/master/Process.h"
 
 #include <gtest/gtest.h>
-
 #include <windows.h>
 
 #include <cstdint>

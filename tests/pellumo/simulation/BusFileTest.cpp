@@ -180,7 +180,8 @@ INSTANTIATE_TEST_SUITE_P(
         ErrorCase{"[[slave]]\n\n[[slave]]\nname = \"a\"", "1: [[slave]] lacks the key \"name\""},
         ErrorCase{"[[slave]]\nname = 3", "2: \"name\" must be a text"},
         ErrorCase{"# \xC3\xBC\n[[slave]]\nname = '\xC3\xBC'\nclock_error = \xD0\x87",
-                  "4: letters that are not ASCII may stand only in quotes and comments"},
+                  "4: Error while parsing value: could not determine value type; letters that are not ASCII may stand "
+                  "only in quotes and comments"},
         ErrorCase{"[[slave]]\nname = \"a\"\nclock = 1",
                   "3: unknown key \"clock\" in [[slave]]; known are \"name\", \"clock_error\", \"response_space\", "
                   "\"byte_space\", \"frame\""},

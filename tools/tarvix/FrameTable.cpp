@@ -117,18 +117,21 @@ constexpr std::string_view Red = "\x1B[31m";
 constexpr std::string_view Green = "\x1B[32m";
 constexpr std::string_view Plain = "\x1B[0m";
 
+std::vector<Column> ColumnsFor(const TableContents& Contents)
+{
+    std::vector<Column> Columns =
+        Contents.Scan
+            ? std::vector{IdentifierColumn, ProtectedColumn, LengthColumn, ModelColumn, DataColumn, ChecksumColumn}
+            : std::vector{TimeColumn, OperationColumn, IdentifierColumn, ProtectedColumn, DataColumn, ChecksumColumn};
+    if (Contents.Timing) {
+        Columns.insert(Columns.end(), {SpaceColumn, GapColumn, ClockColumn, MarginColumn});
+    }
+    return Columns;
+}
+
 class FrameTable final : public FramePrinter {
 public:
-    explicit FrameTable(const TableContents& Contents) : Colour_(Contents.Colour)
-    {
-        Columns_ = Contents.Scan ? std::vector{IdentifierColumn, ProtectedColumn, LengthColumn,
-                                               ModelColumn,      DataColumn,      ChecksumColumn}
-                                 : std::vector{TimeColumn,      OperationColumn, IdentifierColumn,
-                                               ProtectedColumn, DataColumn,      ChecksumColumn};
-        if (Contents.Timing) {
-            Columns_.insert(Columns_.end(), {SpaceColumn, GapColumn, ClockColumn, MarginColumn});
-        }
-    }
+    explicit FrameTable(const TableContents& Contents) : Colour_(Contents.Colour), Columns_(ColumnsFor(Contents)) {}
 
     std::string Head() const override
     {

@@ -9,6 +9,7 @@
 
 #include "python/Master.h"
 #include "python/Module.h"
+#include "python/Override.h"
 
 namespace Tarvix::Python {
 
@@ -83,7 +84,11 @@ void Interpreter::ExecuteScript(std::u16string_view Script)
 // A log written in Python.
 class PythonLog final : public icLog {
 public:
-    void LogEntry(std::string_view LINScript) override { PYBIND11_OVERRIDE_PURE(void, icLog, LogEntry, LINScript); }
+    void LogEntry(std::string_view LINScript) override
+    {
+        const py::gil_scoped_acquire Locked;
+        MethodOf<icLog>(*this, "LogEntry")(LINScript);
+    }
 };
 
 } // namespace

@@ -142,6 +142,11 @@ void BindBusOperations(MasterClass& Class)
              "failure of the exchange itself there is no frame data.");
 }
 
+void Exit(Master& Self, const py::object& /*Type*/, const py::object& /*Value*/, const py::object& /*Traceback*/)
+{
+    Doing<Master> (&Master::Terminate)(Self);
+}
+
 void BindLifetime(MasterClass& Class)
 {
     Class.def(py::init<>(), "A master without a device.")
@@ -154,9 +159,7 @@ void BindLifetime(MasterClass& Class)
              "can be called again.")
         .def(
             "__enter__", [](py::object Self) { return Self; }, "The master itself.")
-        .def(
-            "__exit__", [](Master& Self, const py::args& /*Exception*/) { Doing<Master> (&Master::Terminate)(Self); },
-            "Calls Terminate.");
+        .def("__exit__", &Exit, "Type"_a, "Value"_a, "Traceback"_a, "Calls Terminate.");
 }
 
 } // namespace

@@ -74,7 +74,7 @@ Variant VariantFrom(py::handle Value)
         return Value.cast<double>();
     }
     if (py::isinstance<py::str>(Value)) {
-        return Value.cast<std::string>();
+        return std::string(py::reinterpret_borrow<py::str>(Value));
     }
     if (py::isinstance<py::bytes>(Value)) {
         return Variant::FromBytes(ViewOf(Value));

@@ -9,7 +9,6 @@
 
 #include "python/Master.h"
 #include "python/Module.h"
-#include "python/Override.h"
 
 namespace Tarvix::Python {
 
@@ -87,9 +86,15 @@ public:
     void LogEntry(std::string_view LINScript) override
     {
         const py::gil_scoped_acquire Locked;
-        MethodOf<icLog>(*this, "LogEntry")(LINScript);
+        py::cast(static_cast<icLog*>(this), py::return_value_policy::reference).attr("LogEntry")(LINScript);
     }
 };
+
+void RefuseEntry(const icLog& /*Self*/, const py::str& /*LINScript*/)
+{
+    PyErr_SetString(PyExc_NotImplementedError, "the log has no method LogEntry");
+    throw py::error_already_set();
+}
 
 } // namespace
 
@@ -100,7 +105,7 @@ void BindLog(py::module_& Module)
         "The operation log of a master: a subclass's LogEntry receives one line of the LIN script language for every "
         "operation that changed the configuration or the bus. The lines, run again as a script, repeat the operations.")
         .def(py::init<>(), "To be called by subclasses.")
-        .def("LogEntry", &icLog::LogEntry, "LINScript"_a,
+        .def("LogEntry", &RefuseEntry, "LINScript"_a,
              "Called inside the operation, after its own work has succeeded, with one whole line, its \";\" and CR LF "
              "included. What it raises reaches the caller of the operation.");
 }

@@ -4,7 +4,6 @@
 #include <string>
 
 #include "python/Conversions.h"
-#include "python/Override.h"
 
 namespace Tarvix::Python {
 
@@ -70,7 +69,12 @@ void PythonDevice::Close()
 
 py::function PythonDevice::Method(const char* Name) const
 {
-    return MethodOf<FTDIMPSSE>(*this, Name);
+    py::function Found = py::get_override(static_cast<const FTDIMPSSE*>(this), Name);
+    if (!Found) {
+        PyErr_Format(PyExc_NotImplementedError, "the device has no method %s", Name);
+        throw py::error_already_set();
+    }
+    return Found;
 }
 
 template <typename Result>

@@ -97,7 +97,7 @@ def test_opened_device_refuses_a_count_beyond_its_samples(count):
         device.ExchangeSamples(b"\xff\xff", count, 1, 0, ReadEdge=0)
 
 
-def test_log_repeats_the_script_and_may_read_the_master(master, interpreter, log):
+def test_log_gets_the_script_and_may_read_the_master(master, interpreter, log):
     master.Log = log
     interpreter.ExecuteScript(SCRIPT)
     assert log.lines == ["BAUDRATE 19200 BD;\r\n", "READ_FRAME ID (7D) LEN 2;\r\n"]
@@ -105,6 +105,18 @@ def test_log_repeats_the_script_and_may_read_the_master(master, interpreter, log
     log.LogEntry = lambda line: log.lines.append((line, master.Data2))
     master.WriteFrame(0x20, 1, b"\5")
     assert log.lines[2:] == [("WRITE_FRAME ID (20) LEN 1 TX (05);\r\n", b"\5")]
+
+
+def test_log_may_use_the_master(master, log):
+    def wait_after_breaks(line):
+        log.lines.append(line)
+        if line == "BREAK;\r\n":
+            master.Wait(2)
+
+    log.LogEntry = wait_after_breaks
+    master.Log = log
+    master.GenerateBreak()
+    assert log.lines == ["BREAK;\r\n", "WAIT 2;\r\n"]
 
 
 def test_what_a_log_raises_arrives_unchanged_through_a_script(master, interpreter, log):
@@ -120,8 +132,8 @@ def test_progress_counts_utf_16_units(interpreter):
     positions = []
     interpreter.ExecutionProgress = positions.append
     interpreter.ExecuteScript(Script=SCRIPT)
-    assert positions == [1, 7, 8, 27, 64]
-    assert interpreter.CodePos == 64
+    assert positions == [1, 8, 27, 63]
+    assert interpreter.CodePos == 63
 
 
 def test_progress_handler_is_kept_as_it_is_and_must_be_callable(interpreter):
@@ -163,8 +175,8 @@ def test_interrupt_ends_a_script_between_its_lines(master, interpreter):
 @pytest.mark.parametrize(
     "script, number, position",
     [
-        ("FOO;", tarvix.errLINScriptInterpreter.errTokenValue, 4),
-        ("BREAK;\n;", tarvix.errLINScriptInterpreter.errEmptyCommand, 9),
+        ("BREAK;\nFOO;", tarvix.errLINScriptInterpreter.errTokenType, 11),
+        ("BREAK;;\n", tarvix.errLINScriptInterpreter.errEmptyCommand, 8),
         ("READ_FRAME ID (C1) LEN 2;", tarvix.errLINScriptInterpreter.errNoResponse, 26),
     ],
 )

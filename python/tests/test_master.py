@@ -12,7 +12,7 @@ DOOR = 0x7D  # protected identifier of a frame with the data 12 34
     "name, value, line",
     [
         ("BaudrateBd", 9615, "BAUDRATE 9615 BD;\r\n"),
-        ("BaudrateTbit", 0.0001, "BAUDRATE 1E-04;\r\n"),
+        ("BaudrateTbit", 0.0001, "BAUDRATE 0.0001;\r\n"),
         ("BreakWidth", 14.125, "BREAK_WIDTH 14.125;\r\n"),
         ("SyncByte", 0xAA, "SYNC_BYTE (AA);\r\n"),
         ("ChecksumMode", tarvix.eLINChecksumMode.elcLIN13, "CHKSUM_MODE LIN1_3;\r\n"),

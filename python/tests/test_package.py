@@ -87,13 +87,19 @@ def test_everything_is_documented(name):
             assert description_of(member_found), member
 
 
-def run(*command, **environment):
-    process = subprocess.run(command, env=os.environ | environment, capture_output=True, text=True, check=False)
-    assert process.returncode == 0, process.stdout + process.stderr
-    return process.stdout
+@pytest.fixture
+def run(tmp_path):
+    """Runs a program away from the build tree, whose `tarvix` Python would find in the current folder."""
+
+    def run_it(*command, **environment):
+        process = subprocess.run(command, cwd=tmp_path, env=os.environ | environment, capture_output=True, text=True)
+        assert process.returncode == 0, process.stdout + process.stderr
+        return process.stdout
+
+    return run_it
 
 
-def test_example_tells_who_still_answers():
+def test_example_tells_who_still_answers(run):
     table = [line.split() for line in run(sys.executable, str(SOURCES / "examples/sweep.py")).splitlines()]
     answers = "12 34 5a 00 ff 55 aa 01 23 45 67 89 ab cd ef".split()
     assert table == [
@@ -103,11 +109,11 @@ def test_example_tells_who_still_answers():
     ]
 
 
-def test_type_checker_understands_the_example(tmp_path):
-    run("mypy", "--strict", "--cache-dir", str(tmp_path), str(SOURCES / "examples/sweep.py"))
+def test_type_checker_understands_the_example(run):
+    run("mypy", "--strict", str(SOURCES / "examples/sweep.py"))
 
 
-def test_installed_package_can_be_imported(tmp_path):
+def test_installed_package_can_be_imported(run, tmp_path):
     run("cmake", "--install", str(BUILD), "--component", "python", "--prefix", str(tmp_path))
     (package,) = tmp_path.glob("lib/python3*/*/tarvix")
     assert {"py.typed", "__init__.pyi"} <= {file.name for file in package.iterdir()}

@@ -13,7 +13,7 @@ namespace Tarvix::Python {
 namespace {
 
 using OthersRun = py::call_guard<py::gil_scoped_release>;
-using py::operator""_a;
+using namespace py::literals;
 
 void SendSamples(FTDIMPSSE& Device, std::span<const std::uint8_t> Samples, std::int32_t ByteCount,
                  std::int32_t LSBFirst, std::int32_t WriteEdge)

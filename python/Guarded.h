@@ -20,6 +20,7 @@ namespace py = pybind11;
 class Guarded {
 public:
     Guarded() = default;
+    virtual ~Guarded() = default;
     Guarded(const Guarded&) = delete;
     Guarded& operator=(const Guarded&) = delete;
 
@@ -43,9 +44,6 @@ public:
     int Traverse(visitproc Visit, void* Argument) noexcept;
     /// Lets go of the objects held.
     void LetGo();
-
-protected:
-    ~Guarded() = default;
 
 private:
     virtual std::array<py::object*, 2> Held() noexcept = 0;

@@ -14,7 +14,7 @@ namespace Tarvix::Python {
 
 namespace {
 
-using py::operator""_a;
+using namespace py::literals;
 
 /// An interpreter that keeps its master and its progress handler alive.
 class Interpreter final : public clsLINScriptInterpreter, public Guarded {

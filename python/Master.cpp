@@ -42,7 +42,7 @@ void Master::Terminate()
 
 namespace {
 
-using py::operator""_a;
+using namespace py::literals;
 using MasterClass = py::class_<Master>;
 
 constexpr const char* MasterDescription =

@@ -71,16 +71,16 @@ py::function PythonDevice::Method(const char* Name) const
 {
     py::function Found = py::get_override(static_cast<const FTDIMPSSE*>(this), Name);
     if (!Found) {
-        PyErr_Format(PyExc_NotImplementedError, "the device has no method %s", Name);
+        PyErr_SetString(PyExc_NotImplementedError, std::string("the device has no method ").append(Name).c_str());
         throw py::error_already_set();
     }
     return Found;
 }
 
 template <typename Result>
-Result PythonDevice::Ask(const char* Name, py::object Value) const
+Result PythonDevice::Ask(const char* Name, const py::object& Value) const
 {
-    const py::object Answer = Method(Name)(std::move(Value));
+    const py::object Answer = Method(Name)(Value);
     try {
         return Answer.cast<Result>();
     } catch (const py::cast_error&) {

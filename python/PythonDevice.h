@@ -6,6 +6,10 @@
 
 #include <pybind11/pybind11.h>
 
+#include <cstddef>
+#include <cstdint>
+#include <span>
+
 namespace Tarvix::Python {
 
 /// Hands each operation to the method of that name of a Python subclass of `FTDIMPSSE`.
@@ -25,7 +29,7 @@ public:
 private:
     pybind11::function Method(const char* Name) const;
     template <typename Result>
-    Result Ask(const char* Name, pybind11::object Value) const;
+    Result Ask(const char* Name, const pybind11::object& Value) const;
 };
 
 /// The first `ByteCount` bytes of `Samples`.

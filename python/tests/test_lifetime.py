@@ -24,13 +24,38 @@ def test_master_keeps_its_device_and_log_until_it_is_terminated():
     assert log() is None and master.Log is None
 
 
+def test_interpreter_keeps_its_master_until_it_is_terminated():
+    interpreter, master = tarvix.clsLINScriptInterpreter(), tarvix.clsLIN()
+    kept = weakref.ref(master)
+    interpreter.Initialize(LIN=master)
+    del master
+    interpreter.ExecuteScript("BREAK_WIDTH 14;")
+    assert kept().BreakWidth == 14
+    interpreter.Terminate()
+    assert kept() is None
+
+
+def test_script_keeps_the_master_with_which_it_began():
+    interpreter, others = tarvix.clsLINScriptInterpreter(), [tarvix.clsLIN(), tarvix.clsLIN()]
+    began_with = weakref.ref(others[0])
+    alive = []
+
+    def exchange_master(_):
+        interpreter.Initialize(others[-1])
+        alive.append(began_with() is not None)
+
+    interpreter.Initialize(others.pop(0))
+    interpreter.ExecutionProgress = exchange_master
+    interpreter.ExecuteScript("BREAK_WIDTH 14;")
+    assert alive == [True, True] and began_with() is None and others[0].BreakWidth == 14
+
+
 def test_what_is_replaced_is_let_go():
     master, interpreter = tarvix.clsLIN(), tarvix.clsLINScriptInterpreter()
     device, log, handler = RecordingDevice(), ListLog(), lambda _: None
-    replaced = [weakref.ref(device), weakref.ref(log), weakref.ref(handler), weakref.ref(master)]
+    replaced = [weakref.ref(device), weakref.ref(log), weakref.ref(handler)]
     master.Initialize(device)
     master.Log = log
-    interpreter.Initialize(master)
     interpreter.ExecutionProgress = handler
     del device, log, handler
     assert None not in [reference() for reference in replaced]
@@ -38,9 +63,7 @@ def test_what_is_replaced_is_let_go():
     master.Initialize(tarvix.OpenDevice("sim:"))
     master.Log = None
     interpreter.ExecutionProgress = None
-    interpreter.Initialize(tarvix.clsLIN())
-    del master
-    assert [reference() for reference in replaced] == [None] * 4
+    assert [reference() for reference in replaced] == [None] * 3
 
 
 def test_device_whose_set_up_fails_stays_attached():
@@ -99,7 +122,13 @@ def no_forced_switches():
     sys.setswitchinterval(interval)
 
 
-@pytest.mark.parametrize("use", [lambda master: master.BreakWidth, lambda master: master.GenerateBreak()])
+def run_script(master):
+    interpreter = tarvix.clsLINScriptInterpreter()
+    interpreter.Initialize(master)
+    interpreter.ExecuteScript("BREAK_WIDTH 14;")
+
+
+@pytest.mark.parametrize("use", [lambda master: master.BreakWidth, tarvix.clsLIN.GenerateBreak, run_script])
 def test_thread_that_waits_for_its_turn_lets_the_others_run(no_forced_switches, use):
     """This thread waits for a master whose device waits for a third thread, which can run only now."""
     device, inside, third_may, device_may = RecordingDevice(), *(threading.Event() for _ in range(3))

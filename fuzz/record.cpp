@@ -7,8 +7,11 @@
 #include "tarvix/script/icLog.h"
 #include "tests/support/SlaveAnswer.h"
 
+#include <array>
 #include <bit>
+#include <charconv>
 #include <cmath>
+#include <cstdlib>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -64,13 +67,22 @@ Bytes TakeData(Input& From)
     return Data;
 }
 
-float TakeFloat(Input& From)
+std::uint32_t TakeNumber(Input& From, int Size)
 {
-    std::uint32_t Bits = 0;
-    for (int k = 0; k < 4; ++k) {
-        Bits = Bits << 8 | From.Byte();
+    std::uint32_t Number = 0;
+    for (int k = 0; k < Size; ++k) {
+        Number = Number << 8 | From.Byte();
     }
-    return std::bit_cast<float>(Bits);
+    return Number;
+}
+
+/// A number as the log can tell it, with seven digits.
+float TakeReal(Input& From)
+{
+    const float Value = std::bit_cast<float>(TakeNumber(From, 4));
+    std::array<char, 32> Text{}; // ends with a zero whatever is written
+    std::to_chars(Text.data(), Text.data() + Text.size() - 1, Value, std::chars_format::general, 7);
+    return static_cast<float>(std::strtod(Text.data(), nullptr));
 }
 
 /// A master on a bus where every read is answered as it should be.
@@ -104,9 +116,9 @@ private:
         switch (From.Below(9)) {
         case 0: return Master_.Wait(From.Byte());
         case 1: return Master_.GenerateBreak();
-        case 2: return Master_.BaudrateBd(From.Byte() << 8 | From.Byte());
-        case 3: return SetBitTime(TakeFloat(From));
-        case 4: return SetBreakWidth(TakeFloat(From));
+        case 2: return Master_.BaudrateBd(static_cast<std::int32_t>(TakeNumber(From, 2)));
+        case 3: return SetBitTime(TakeReal(From));
+        case 4: return SetBreakWidth(TakeReal(From));
         case 5: return Master_.SyncByte(From.Byte());
         case 6: return Master_.ChecksumMode(From.Below(3));
         case 7: return Write(From);

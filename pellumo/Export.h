@@ -1,6 +1,9 @@
 /// @file
 /// Marks what a shared library exports. Hosts that link the static library on Windows define `PELLUMO_STATIC`; the
 /// CMake target does it for them.
+///
+/// @def PELLUMO_API
+/// Stands before each public class and function.
 #pragma once
 
 #if defined(_WIN32)

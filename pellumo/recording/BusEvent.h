@@ -29,9 +29,9 @@ enum class ResponseFault : std::uint8_t {
 /// A view of one stream; everything it refers to is valid during the call that hands it over. Positions are sample
 /// indexes in `Stream`.
 struct BusEvent {
-    BusEventKind Kind = BusEventKind::Wait;
-    SampleStream Stream;
-    double Seconds = 0.0; ///< bus time at which the stream starts
+    BusEventKind Kind = BusEventKind::Wait; ///< what the commander did
+    SampleStream Stream;                    ///< all of its samples
+    double Seconds = 0.0;                   ///< bus time at which the stream starts
 
     std::int64_t BreakSamples = 0;        ///< width of the break; 0 for Wait and Other
     std::uint8_t SyncByte = 0;            ///< Write and Read: as sent
@@ -44,9 +44,9 @@ struct BusEvent {
     std::span<const std::int64_t> StartEdges; ///< the first dominant sample of each byte in `Received`
     std::int64_t ResponseBegin = 0;           ///< Write and Read: the sample after the identifier's stop bit
     std::int64_t ResponseEnd = 0; ///< Write and Read: where decoding ends; what follows fills the stream's last byte
-    ResponseFault Fault = ResponseFault::None;
-    std::int64_t FaultStartEdge = 0; ///< the first dominant sample of the byte at fault
-    std::int64_t FaultSample = 0;    ///< the sample that showed the fault; `ResponseEnd` for Truncated
+    ResponseFault Fault = ResponseFault::None; ///< Write and Read: why decoding ended early, if it did
+    std::int64_t FaultStartEdge = 0;           ///< the first dominant sample of the byte at fault
+    std::int64_t FaultSample = 0;              ///< the sample that showed the fault; `ResponseEnd` for Truncated
 };
 
 } // namespace Pellumo

@@ -25,6 +25,7 @@ namespace Pellumo {
 /// Unlike the engine it sets no limit to the number of bytes. It allocates only for responses longer than any before.
 class PELLUMO_API FrameDecoder : public SampleListener {
 public:
+    /// Receives an event; its views are valid during the call.
     using Handler = std::function<void(const BusEvent&)>;
 
     /// @param OnEvent  called for every stream in turn; what it throws reaches the caller of the bus operation

@@ -2,7 +2,6 @@
 
 #include "pellumo/common/FrameBytes.h"
 #include "pellumo/errPellumo.h"
-#include "pellumo/simulation/BareText.h"
 #include "pellumo/simulation/BusFileFaults.h"
 #include "pellumo/simulation/CheckedTable.h"
 #include "tarvix/common/Formating.h"
@@ -12,6 +11,7 @@
 #include <array>
 #include <cerrno>
 #include <fstream>
+#include <functional>
 #include <map>
 #include <system_error>
 
@@ -115,13 +115,46 @@ BusDescription ReadBus(const CheckedTable& File)
     return Bus;
 }
 
-/// toml++ 3.3 has undefined behaviour for such letters.
-void RefuseBareNonASCII(std::string_view Text, std::string_view Name)
+constexpr bool IsASCII(char Byte) noexcept
 {
-    if (const auto Found = FindBareNonASCII(Text)) {
-        const std::string_view Before = Text.substr(0, *Found);
-        FailInFile(Name, std::count(Before.begin(), Before.end(), '\n') + 1,
-                   "letters that are not ASCII may stand only in quotes and comments");
+    return static_cast<unsigned char>(Byte) < 0x80;
+}
+
+constexpr std::string_view ByteOrderMark = "\xEF\xBB\xBF";
+
+/// The text with "?", which no TOML has outside quotes and comments, for every byte that is not ASCII.
+std::string WithQuestionMarks(std::string_view Text)
+{
+    std::string Masked(Text);
+    std::replace_if(Masked.begin(), Masked.end(), std::not_fn(IsASCII), '?');
+    return Masked;
+}
+
+/// A line of the text, counted from 1.
+std::string_view LineOf(std::string_view Text, std::size_t Number)
+{
+    for (; Number > 1; --Number) {
+        Text.remove_prefix(std::min(Text.find('\n'), Text.size() - 1) + 1);
+    }
+    return Text.substr(0, Text.find('\n'));
+}
+
+/// toml++ 3.3 has undefined behaviour for letters that are not ASCII where no TOML has them, so it looks for mistakes
+/// in a text without such letters.
+/// @param Text  without a byte-order mark
+toml::table ParseTOML(std::string_view Text, std::string_view Name)
+{
+    const std::string Masked = WithQuestionMarks(Text);
+    try {
+        (void)toml::parse(Masked);
+        return toml::parse(Text);
+    } catch (const toml::parse_error& Failure) {
+        const std::size_t Line = Failure.source().begin.line;
+        std::string Description(Failure.description());
+        if (!std::ranges::all_of(LineOf(Text, Line), IsASCII)) {
+            Description += "; letters that are not ASCII may stand only in quotes and comments";
+        }
+        FailInFile(Name, static_cast<std::int64_t>(Line), Description);
     }
 }
 
@@ -144,13 +177,9 @@ BusDescription ReadBusFile(const std::string& Path)
 
 BusDescription ParseBusFile(std::string_view Text, std::string_view Name)
 {
-    RefuseBareNonASCII(Text, Name);
-    try {
-        const toml::table File = toml::parse(Text);
-        return ReadBus(CheckedTable(File, Name, "the file"));
-    } catch (const toml::parse_error& Failure) {
-        FailInFile(Name, static_cast<std::int64_t>(Failure.source().begin.line), std::string(Failure.description()));
-    }
+    Text.remove_prefix(Text.starts_with(ByteOrderMark) ? ByteOrderMark.size() : 0);
+    const toml::table File = ParseTOML(Text, Name);
+    return ReadBus(CheckedTable(File, Name, "the file"));
 }
 
 } // namespace Pellumo

@@ -9,8 +9,6 @@ Error::Error(std::int32_t Number, std::string Source, std::string Description)
 {
 }
 
-Error::~Error() = default;
-
 const char* Error::what() const noexcept
 {
     return Description_.c_str();

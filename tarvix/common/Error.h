@@ -21,12 +21,6 @@ public:
     /// @param Description  English text for people
     Error(std::int32_t Number, std::string Source, std::string Description);
 
-    Error(const Error&) = default;
-    Error(Error&&) = default;
-    Error& operator=(const Error&) = default;
-    Error& operator=(Error&&) = default;
-    ~Error() override;
-
     /// The error number; most are above 0x80000000 and thus negative.
     std::int32_t Number() const noexcept { return Number_; }
     /// The name of the class that raised the error, for example "clsLIN".

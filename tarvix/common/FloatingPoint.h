@@ -4,6 +4,9 @@
 #pragma once
 
 #include <cfenv>
+#if defined(__MINGW64__)
+#include <xmmintrin.h>
+#endif
 
 namespace Tarvix {
 
@@ -14,8 +17,14 @@ public:
     {
         std::fegetenv(&Host_);
         std::fesetenv(FE_DFL_ENV);
+#if defined(__MINGW64__)
+        _mm_setcsr(0x1F80); // MinGW's default environment leaves out the unit that computes, and its control register
+#endif
     }
-    ~DefaultFloatingPoint() { std::fesetenv(&Host_); }
+    ~DefaultFloatingPoint()
+    {
+        std::fesetenv(&Host_);
+    }
     DefaultFloatingPoint(const DefaultFloatingPoint&) = delete;
     DefaultFloatingPoint& operator=(const DefaultFloatingPoint&) = delete;
 

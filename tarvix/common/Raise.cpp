@@ -1,27 +1,31 @@
 #include "tarvix/common/Raise.h"
 
+#include <algorithm>
+#include <array>
+
 namespace Tarvix {
 
 namespace {
 
-std::string_view DescriptionOf(errGeneral Number) noexcept
-{
-    switch (Number) {
-    case errGeneral::errInvalidArgument: return "Invalid argument";
-    case errGeneral::errOverflow: return "Overflow";
-    case errGeneral::errIndexOutOfRange: return "Index out of range";
-    case errGeneral::errDivisionByZero: return "Division by zero";
-    case errGeneral::errTypeMismatch: return "Type mismatch";
-    case errGeneral::errNotAttached: return "Not attached";
-    }
-    return {};
-}
+struct GeneralError {
+    errGeneral Number;
+    std::string_view Description;
+};
+
+constexpr std::array GeneralErrors = {
+    GeneralError{errGeneral::errInvalidArgument, "Invalid argument"},
+    GeneralError{errGeneral::errOverflow, "Overflow"},
+    GeneralError{errGeneral::errIndexOutOfRange, "Index out of range"},
+    GeneralError{errGeneral::errDivisionByZero, "Division by zero"},
+    GeneralError{errGeneral::errTypeMismatch, "Type mismatch"},
+    GeneralError{errGeneral::errNotAttached, "Not attached"},
+};
 
 } // namespace
 
 void Raise(errGeneral Number)
 {
-    Raise(Number, "Tarvix", DescriptionOf(Number));
+    Raise(Number, "Tarvix", std::ranges::find(GeneralErrors, Number, &GeneralError::Number)->Description);
 }
 
 } // namespace Tarvix

@@ -20,6 +20,7 @@ namespace Tarvix {
 /// kinds and their values are equal; whether a whole number was made from a byte makes no difference.
 class TARVIX_API Variant {
 public:
+    /// What an array holds.
     using Array = std::vector<Variant>;
 
     /// Nothing.
@@ -69,6 +70,7 @@ public:
     /// @throws Error  errTypeMismatch for an array
     std::string ToText() const;
 
+    /// True when both are of the same kind and their values are equal.
     bool operator==(const Variant&) const = default;
 
 private:

@@ -140,6 +140,7 @@ public:
     ///
     /// After an answer of any length its bytes are readable, also when the operation fails; after a failure of the
     /// exchange itself there is no frame data.
+    /// @param IDbyte          goes on the bus as it is: `ComputeIDParity` makes a protected identifier
     /// @param ExpectedLength  data bytes expected, 1 to 8
     /// @param ChksumCheck     whether to compare the checksum
     /// @return True when an answer came, false when none did

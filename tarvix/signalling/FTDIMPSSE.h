@@ -51,9 +51,12 @@ public:
     virtual void SendSamples(std::span<const std::uint8_t> Samples, std::int32_t ByteCount, std::int32_t LSBFirst,
                              std::int32_t WriteEdge) = 0;
 
-    /// As `SendSamples`, and reads the bus level once per sample: on return `Samples` holds what was read, at the same
-    /// indexes.
-    /// @param ReadEdge  the library passes 0: a sample is read half a clock period after it was put out
+    /// As `SendSamples`, and reads the bus level once per sample.
+    /// @param Samples    at least `ByteCount` bytes; on return they hold what was read, at the same indexes
+    /// @param ByteCount  0 is allowed: nothing is driven
+    /// @param LSBFirst   the library passes 1: sample 0 of a byte goes first
+    /// @param WriteEdge  the library passes 0: a sample is put out on the rising clock edge
+    /// @param ReadEdge   the library passes 0: a sample is read half a clock period after it was put out
     virtual void ExchangeSamples(std::span<std::uint8_t> Samples, std::int32_t ByteCount, std::int32_t LSBFirst,
                                  std::int32_t WriteEdge, std::int32_t ReadEdge) = 0;
 

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <new>
+#include <utility>
 
 // NOLINTBEGIN(cppcoreguidelines-no-malloc): what operator new stands on
 
@@ -12,12 +13,19 @@ namespace {
 std::size_t Count = 0;
 std::size_t Live = 0;
 std::size_t Peak = 0;
+std::optional<std::size_t> FailingCount; // the value of Count at which an allocation fails
+bool HasFailed = false;
 
 // In front of every block stands its size, in room that keeps the block aligned.
 constexpr std::size_t HeadBytes = alignof(std::max_align_t);
 
 void* Allocate(std::size_t Bytes)
 {
+    if (Count == FailingCount) {
+        FailingCount.reset();
+        HasFailed = true;
+        throw std::bad_alloc();
+    }
     void* const Block = std::malloc(Bytes + HeadBytes);
     if (Block == nullptr) {
         throw std::bad_alloc();
@@ -84,6 +92,15 @@ std::size_t PeakBytes() noexcept
 void ResetPeak() noexcept
 {
     Peak = Live;
+}
+
+bool FailAllocation(std::optional<std::size_t> Before) noexcept
+{
+    FailingCount.reset();
+    if (Before) {
+        FailingCount = Count + *Before;
+    }
+    return std::exchange(HasFailed, false);
 }
 
 } // namespace Tarvix::Testing

@@ -1,8 +1,10 @@
 /// @file
-/// Counts what the whole program allocates. Linking AllocationCounter.cpp replaces the global operator new.
+/// Counts what the whole program allocates, and lets an allocation fail. Linking AllocationCounter.cpp replaces the
+/// global operator new.
 #pragma once
 
 #include <cstddef>
+#include <optional>
 
 namespace Tarvix::Testing {
 
@@ -14,5 +16,9 @@ std::size_t LiveBytes() noexcept;
 std::size_t PeakBytes() noexcept;
 /// Starts a new peak at what is allocated now.
 void ResetPeak() noexcept;
+
+/// From now on lets the one allocation fail that has `Before` others before it; nothing: none.
+/// @return whether the one asked for earlier has failed
+bool FailAllocation(std::optional<std::size_t> Before) noexcept;
 
 } // namespace Tarvix::Testing

@@ -9,16 +9,16 @@
 
 namespace Tarvix::Testing {
 
-/// While it lives, the program runs under a German locale, in C and in C++. Without that locale on the machine the test
-/// fails.
+/// While it lives, the program writes numbers as Germans do: in C by a locale of the machine, without which the test
+/// fails, and in C++ by punctuation of its own, because not every C++ library knows the machine's locales.
 class DecimalCommaLocale {
 public:
     DecimalCommaLocale() : Before_(std::setlocale(LC_ALL, nullptr)) // NOLINT(concurrency-mt-unsafe)
     {
         if (std::setlocale(LC_ALL, Name) == nullptr) { // NOLINT(concurrency-mt-unsafe)
-            throw std::runtime_error("the locale de_DE.UTF-8 is missing; scripts/setup generates it");
+            throw std::runtime_error("the German locale is missing; scripts/setup generates it");
         }
-        std::locale::global(std::locale(Name));
+        BeforeInStreams_ = std::locale::global(std::locale(std::locale::classic(), new Comma));
     }
     ~DecimalCommaLocale()
     {
@@ -29,7 +29,17 @@ public:
     DecimalCommaLocale& operator=(const DecimalCommaLocale&) = delete;
 
 private:
+#if defined(_WIN32)
+    static constexpr const char* Name = "German";
+#else
     static constexpr const char* Name = "de_DE.UTF-8";
+#endif
+
+    struct Comma : std::numpunct<char> {
+        char do_decimal_point() const override { return ','; }
+        char do_thousands_sep() const override { return '.'; }
+        std::string do_grouping() const override { return "\3"; }
+    };
 
     std::string Before_;
     std::locale BeforeInStreams_;

@@ -1,10 +1,10 @@
 #include "tools/tarvix/FramePrinter.h"
 
+#include "tests/support/DecimalCommaLocale.h"
+
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
-#include <clocale>
-#include <locale>
 #include <string>
 
 namespace Tarvix::Tool {
@@ -148,35 +148,6 @@ TEST(FrameTable, ColoursTheResult)
     EXPECT_NE(Table->Line(Silence()).find("\x1B[31mNo response"), std::string::npos);
 }
 
-/// Everything computes under a decimal comma while it lives.
-class DecimalComma {
-public:
-    DecimalComma()
-        : Old_(std::locale::global(std::locale(std::locale::classic(), new Comma))),
-          Set_(std::setlocale(LC_ALL, "de_DE.UTF-8") != nullptr)
-    {
-    }
-    ~DecimalComma()
-    {
-        std::locale::global(Old_);
-        static_cast<void>(std::setlocale(LC_ALL, "C"));
-    }
-    DecimalComma(const DecimalComma&) = delete;
-    DecimalComma& operator=(const DecimalComma&) = delete;
-
-    bool Set() const { return Set_; }
-
-private:
-    struct Comma : std::numpunct<char> {
-        char do_decimal_point() const override { return ','; }
-        char do_thousands_sep() const override { return '.'; }
-        std::string do_grouping() const override { return "\3"; }
-    };
-
-    std::locale Old_;
-    bool Set_;
-};
-
 TEST(FramePrinters, KnowNoLocale)
 {
     FrameReport Frame = Timed();
@@ -184,8 +155,7 @@ TEST(FramePrinters, KnowNoLocale)
     const std::string JSON = MakeJSONLines(true)->Line(Frame);
     const std::string Candump = MakeCandumpLines()->Line(Frame);
     const std::string Table = MakeTable({.Timing = true})->Line(Frame);
-    const DecimalComma German;
-    ASSERT_TRUE(German.Set()) << "the locale de_DE.UTF-8 is missing; scripts/setup makes it";
+    const Testing::DecimalCommaLocale German;
     EXPECT_EQ(MakeJSONLines(true)->Line(Frame), JSON);
     EXPECT_EQ(MakeCandumpLines()->Line(Frame), Candump);
     EXPECT_EQ(MakeTable({.Timing = true})->Line(Frame), Table);

@@ -3,9 +3,9 @@
 #include "tests/support/Errors.h"
 #include "tests/support/PlainLexer.h"
 #include "tests/support/Random.h"
+#include "tests/support/UnreadText.h"
 
 #include <gtest/gtest.h>
-#include <sys/mman.h>
 
 namespace Tarvix {
 
@@ -237,22 +237,15 @@ TEST(Lexer, KeepsItsOwnCopyOfTheInput)
 
 TEST(Lexer, RefusesATextWhosePositionsDoNotFit)
 {
-    constexpr std::size_t Units = std::size_t{1} << 31U;
-    void* const Memory = mmap(nullptr, (Units - 1) * sizeof(char16_t), PROT_READ,
-                              MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0); // takes no memory until it is read
-    ASSERT_NE(Memory, MAP_FAILED);
+    const Testing::UnreadText TooLong((std::size_t{1} << 31U) - 1);
     clsLINScriptLexer Lexer;
     Lexer.ScanInput(u"BREAK WAIT");
     std::u16string_view Value;
     Lexer.GetToken(Value);
-    EXPECT_EQ(FailureOf([&] {
-                  Lexer.ScanInput({static_cast<const char16_t*>(Memory), Units - 1});
-              }),
-              Testing::Overflow);
+    EXPECT_EQ(FailureOf([&] { Lexer.ScanInput(TooLong.Text()); }), Testing::Overflow);
     EXPECT_EQ(Lexer.ScanPos(), 6);
     EXPECT_EQ(Lexer.GetToken(Value), ettKeyword);
     EXPECT_EQ(Value, u"WAIT");
-    munmap(Memory, (Units - 1) * sizeof(char16_t));
 }
 
 TEST(TokenTypeName, NamesEveryTypeAndNothingElse)

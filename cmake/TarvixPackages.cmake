@@ -1,0 +1,37 @@
+# `cpack` makes a Debian package of each component: libtarvix1 (with shared libraries), libtarvix-dev and tarvix.
+set(CPACK_GENERATOR DEB)
+set(CPACK_PACKAGE_VENDOR "the Tarvix authors")
+set(CPACK_PACKAGE_CONTACT "the Tarvix authors")
+set(CPACK_STRIP_FILES ON)
+set(CPACK_DEB_COMPONENT_INSTALL ON)
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_ENABLE_COMPONENT_DEPENDS ON)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS "${PROJECT_BINARY_DIR}/tarvix" "${PROJECT_BINARY_DIR}/pellumo")
+set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
+set(CPACK_COMPONENTS_ALL)
+
+# Adds `Component` as the package `Package`.
+macro(tarvix_add_package Component Package Section Description)
+  list(APPEND CPACK_COMPONENTS_ALL ${Component})
+  string(TOUPPER ${Component} Upper)
+  set(CPACK_COMPONENT_${Upper}_DESCRIPTION "${Description}")
+  set(CPACK_DEBIAN_${Upper}_PACKAGE_NAME ${Package})
+  set(CPACK_DEBIAN_${Upper}_PACKAGE_SECTION ${Section})
+  install(FILES "${PROJECT_SOURCE_DIR}/LICENSE" DESTINATION "${CMAKE_INSTALL_DATADIR}/doc/${Package}" RENAME copyright
+          COMPONENT ${Component})
+endmacro()
+
+if(BUILD_SHARED_LIBS)
+  tarvix_add_package(library libtarvix${PROJECT_VERSION_MAJOR} libs "${PROJECT_DESCRIPTION}: shared libraries")
+  set(CPACK_COMPONENT_DEVELOPMENT_DEPENDS library)
+  set(CPACK_COMPONENT_TOOLS_DEPENDS library)
+elseif(TARVIX_WITH_USB)
+  set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "libftdi1-dev, libusb-1.0-0-dev, pkg-config")
+endif()
+tarvix_add_package(development libtarvix-dev libdevel "${PROJECT_DESCRIPTION}: files for programs that use it")
+if(TARVIX_BUILD_TOOLS)
+  tarvix_add_package(tools tarvix utils "${PROJECT_DESCRIPTION}: the program")
+endif()
+
+include(CPack)

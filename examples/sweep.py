@@ -1,4 +1,4 @@
-#!/usr/bin/python3
+#!/usr/bin/env python3
 """Which nodes still answer when the break gets shorter?
 
 usage: sweep.py [DEVICE]

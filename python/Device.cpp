@@ -1,12 +1,11 @@
 #include "pellumo/OpenDevice.h"
+#include "python/Conversions.h"
+#include "python/Module.h"
+#include "python/PythonDevice.h"
 
 #include <memory>
 #include <string_view>
 #include <vector>
-
-#include "python/Conversions.h"
-#include "python/Module.h"
-#include "python/PythonDevice.h"
 
 namespace Tarvix::Python {
 

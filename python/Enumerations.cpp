@@ -1,4 +1,5 @@
 #include "pellumo/errPellumo.h"
+#include "python/Module.h"
 #include "tarvix/common/Error.h"
 #include "tarvix/common/eLINChecksumMode.h"
 #include "tarvix/signalling/eBit.h"
@@ -6,8 +7,6 @@
 #include <cstdint>
 #include <initializer_list>
 #include <string>
-
-#include "python/Module.h"
 
 namespace Tarvix::Python {
 

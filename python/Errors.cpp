@@ -1,9 +1,8 @@
+#include "python/Module.h"
 #include "tarvix/common/Error.h"
 
 #include <exception>
 #include <utility>
-
-#include "python/Module.h"
 
 namespace Tarvix::Python {
 

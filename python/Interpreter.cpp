@@ -1,3 +1,5 @@
+#include "python/Master.h"
+#include "python/Module.h"
 #include "tarvix/script/clsLINScriptInterpreter.h"
 
 #include <pybind11/stl.h>
@@ -6,9 +8,6 @@
 #include <optional>
 #include <string_view>
 #include <utility>
-
-#include "python/Master.h"
-#include "python/Module.h"
 
 namespace Tarvix::Python {
 

@@ -1,9 +1,9 @@
 #include "python/Master.h"
 
-#include <utility>
-
 #include "python/Conversions.h"
 #include "python/Module.h"
+
+#include <utility>
 
 namespace Tarvix::Python {
 

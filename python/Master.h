@@ -2,9 +2,8 @@
 /// The master as a Python object.
 #pragma once
 
-#include "tarvix/master/clsLIN.h"
-
 #include "python/Guarded.h"
+#include "tarvix/master/clsLIN.h"
 
 namespace Tarvix::Python {
 

@@ -1,9 +1,9 @@
 #include "python/PythonDevice.h"
 
+#include "python/Conversions.h"
+
 #include <algorithm>
 #include <string>
-
-#include "python/Conversions.h"
 
 namespace Tarvix::Python {
 

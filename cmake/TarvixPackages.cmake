@@ -1,5 +1,9 @@
-# `cpack` makes a Debian package of each component: libtarvix1 (with shared libraries), libtarvix-dev and tarvix.
+# `cpack` makes a Debian package of each component: libtarvix1 (with shared libraries), libtarvix-dev and tarvix; for
+# Windows one ZIP file.
 set(CPACK_GENERATOR DEB)
+if(WIN32)
+  set(CPACK_GENERATOR ZIP)
+endif()
 set(CPACK_PACKAGE_VENDOR "the Tarvix authors")
 set(CPACK_PACKAGE_CONTACT "the Tarvix authors")
 set(CPACK_STRIP_FILES ON)

@@ -84,7 +84,8 @@ private:
     void ExchangeStream(std::int32_t StartSamplePoint);
     template <typename TakeByte>
     void DecodeBytes(TakeByte Take);
-    std::uint8_t ReadFramedByte();
+    /// At the start edge of a byte with a fault: the stream ends before its stop bit, or it is not framed.
+    [[noreturn]] void RaiseFaultOfByte();
 
     FTDIMPSSE* Device_ = nullptr;
     clsOversamplingBuffer Buffer_;

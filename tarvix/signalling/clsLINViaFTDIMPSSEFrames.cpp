@@ -46,8 +46,8 @@ void clsLINViaFTDIMPSSE::DecodeBytes(TakeByte Take)
             Take(Run[i]);
         }
         // A run that ends early ends with the stream or at a fault.
-        if (Count < Run.size() && !Buffer_.EndOfData() && Buffer_.WaitForSample(eb0)) {
-            Take(ReadFramedByte());
+        if (Count < Run.size() && !Buffer_.EndOfData()) {
+            RaiseFaultOfByte();
         }
     }
 }
@@ -103,16 +103,13 @@ void clsLINViaFTDIMPSSE::WriteHeader(std::int32_t BreakWidth, std::uint8_t SyncF
     Buffer_.WriteFramedBytes(Fields);
 }
 
-std::uint8_t clsLINViaFTDIMPSSE::ReadFramedByte()
+void clsLINViaFTDIMPSSE::RaiseFaultOfByte()
 {
-    if (Buffer_.SampleBit() != eb0) {
-        RaiseFraming();
+    if (Buffer_.SampleBit() == eb0) {
+        Buffer_.SampleByteLSB();
+        Buffer_.SampleHalfBit();
     }
-    const std::uint8_t DataByte = Buffer_.SampleByteLSB();
-    if (Buffer_.SampleHalfBit() != eb1) {
-        RaiseFraming();
-    }
-    return DataByte;
+    RaiseFraming();
 }
 
 } // namespace Tarvix

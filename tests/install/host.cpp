@@ -1,5 +1,5 @@
 /// @file
-/// A program of somebody else's: reads a frame from the simulated bus and is told of an error.
+/// A program of somebody else's: reads a frame from the simulated bus, is told of an error and asks for the version.
 #include "pellumo/OpenDevice.h"
 #include "pellumo/errPellumo.h"
 #include "tarvix/tarvix.h"
@@ -19,6 +19,8 @@ int main()
     try {
         Pellumo::OpenDevice("nothing:");
     } catch (const Tarvix::Error& Caught) {
-        std::cout << (Caught.Is(Pellumo::errPellumo::errURL) ? "errURL\n" : "another error\n");
+        std::cout << (Caught.Is(Pellumo::errPellumo::errURL) ? "errURL " : "another error ");
     }
+    const Tarvix::Process Loaded;
+    std::cout << Loaded.Major() << '.' << Loaded.Minor() << '.' << Loaded.Revision() << '\n';
 }

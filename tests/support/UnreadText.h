@@ -21,9 +21,15 @@ public:
     UnreadText& operator=(const UnreadText&) = delete;
 
 #if defined(_WIN32)
-    ~UnreadText() { VirtualFree(Addresses_, 0, MEM_RELEASE); }
+    ~UnreadText()
+    {
+        VirtualFree(Addresses_, 0, MEM_RELEASE);
+    }
 #else
-    ~UnreadText() { munmap(Addresses_, Bytes_); }
+    ~UnreadText()
+    {
+        munmap(Addresses_, Bytes_);
+    }
 #endif
 
     std::u16string_view Text() const

@@ -1,11 +1,10 @@
 #include "tarvix/master/Process.h"
 
 #include <gtest/gtest.h>
-
-// The declarations of the other two begin with this one.
 #include <windows.h>
 
 #include <cstdint>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -58,11 +57,10 @@ TEST_P(LibraryVersion, IsTheSameInTheFileAndInTheProcess)
     EXPECT_EQ(Numbers.dwProductVersionMS, Upper);
     EXPECT_EQ(Numbers.dwProductVersionLS, Lower);
 
-    EXPECT_EQ(Loaded.Major(), 1);
-    EXPECT_EQ(Loaded.Minor(), 1);
-    EXPECT_EQ(Loaded.Revision(), 0);
-    EXPECT_EQ(File.Text("FileVersion"), "1.01");
-    EXPECT_EQ(File.Text("ProductVersion"), "1.01");
+    ASSERT_LT(Loaded.Minor(), 10);
+    const std::string Text = std::to_string(Loaded.Major()) + ".0" + std::to_string(Loaded.Minor());
+    EXPECT_EQ(File.Text("FileVersion"), Text);
+    EXPECT_EQ(File.Text("ProductVersion"), Text);
 }
 
 INSTANTIATE_TEST_SUITE_P(Libraries, LibraryVersion, testing::Values(TARVIX_DLL, PELLUMO_DLL));

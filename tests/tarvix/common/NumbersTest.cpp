@@ -97,7 +97,7 @@ TEST(DecimalText, TooLargeFailsAndTooSmallIsZero)
     for (const std::string& Number :
          {std::string("1e-400"), std::string("2e-324"), std::string("1e-99999999999999999999"),
           std::string("0.").append(Zeros).append("1"), std::string("0e400"),
-          std::string("1").append(Zeros).append("e-900")}) {
+          std::string("1").append(Zeros).append("e-900"), std::string(Zeros).append("1e-400")}) {
         EXPECT_EQ(DecimalToReal(Number), 0.0) << Number;
     }
     for (const std::string& Number :

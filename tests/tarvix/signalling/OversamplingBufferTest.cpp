@@ -104,12 +104,23 @@ TEST(OversamplingBuffer, ReadingStopsWhereTheStreamEnds)
     EXPECT_EQ(Buffer.CurrentSample(), 1) << "the failure left the read position at the middle, sample 31";
 }
 
+TEST(OversamplingBuffer, ReadsRunsOnlyAtEightSamplesABit)
+{
+    auto Buffer = BufferOf(7, 1);
+    Bytes Run(1);
+    Buffer.InputData(Bytes{0x00, 0xC0, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF}, 96, 0);
+    EXPECT_EQ(Buffer.SampleFramedRun(Run), 0U);
+    EXPECT_EQ(Buffer.CurrentSample(), 0) << "the read position stays at the start edge";
+}
+
 TEST(OversamplingBuffer, ReadsNothingOutsideTheArray)
 {
     auto Buffer = BufferOf(8, 1);
     const Bytes Silence(2, 0xFF);
     for (const std::int32_t Start : {-1, -8, std::numeric_limits<std::int32_t>::min(), 16, 99}) {
         Buffer.InputData(Silence, 100, Start);
+        Bytes Run(1);
+        EXPECT_EQ(Buffer.SampleFramedRun(Run), 0U) << Start;
         EXPECT_EQ(FailureOf([&] { Buffer.CurrentSample(); }), IndexOutOfRange) << Start;
         EXPECT_EQ(FailureOf([&] { Buffer.WaitForSample(0); }), IndexOutOfRange) << Start;
     }

@@ -1,8 +1,9 @@
-# What `cmake --install` lays down, in three components:
+# What `cmake --install` lays down, in four components:
 #
 #   library       what programs need to run: the shared libraries
 #   development   what they need to be built: headers, archives, the CMake package and the pkg-config files
 #   tools         the program with its manual page, the shells' completions and the udev rules
+#   python        the Python module, when it is built
 #
 # Nothing in it names the place where it was installed: it may be moved.
 include(CMakePackageConfigHelpers)

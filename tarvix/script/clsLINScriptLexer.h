@@ -36,7 +36,7 @@ public:
     /// The position of the next code unit to scan; 0 before any input.
     std::int32_t ScanPos() const noexcept { return ScanPos_; }
     /// True when the position is past the last code unit; false before any input.
-    bool EndOfInput() const noexcept { return ScanPos_ > 0 && Scanned() == Input_.size(); }
+    bool EndOfInput() const noexcept { return static_cast<std::size_t>(ScanPos_) > Input_.size(); }
 
     /// Scans the next token and moves past it.
     ///

@@ -124,14 +124,16 @@ std::vector<Column> ColumnsFor(const TableContents& Contents)
             ? std::vector{IdentifierColumn, ProtectedColumn, LengthColumn, ModelColumn, DataColumn, ChecksumColumn}
             : std::vector{TimeColumn, OperationColumn, IdentifierColumn, ProtectedColumn, DataColumn, ChecksumColumn};
     if (Contents.Timing) {
-        Columns.insert(Columns.end(), {SpaceColumn, GapColumn, ClockColumn, MarginColumn});
+        for (const Column& One : {SpaceColumn, GapColumn, ClockColumn, MarginColumn}) {
+            Columns.push_back(One);
+        }
     }
     return Columns;
 }
 
 class FrameTable final : public FramePrinter {
 public:
-    explicit FrameTable(const TableContents& Contents) : Colour_(Contents.Colour), Columns_(ColumnsFor(Contents)) {}
+    explicit FrameTable(const TableContents& Contents) : Columns_(ColumnsFor(Contents)), Colour_(Contents.Colour) {}
 
     std::string Head() const override
     {

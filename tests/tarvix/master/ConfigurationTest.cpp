@@ -6,11 +6,14 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <type_traits>
 
 namespace Tarvix {
 
 using namespace Testing;
 using Calls = std::vector<std::string>;
+
+static_assert(!std::is_copy_constructible_v<clsLIN> && !std::is_copy_assignable_v<clsLIN>);
 
 TEST(Master, StartsWithTheCustomarySettings)
 {

@@ -6,10 +6,15 @@
 
 #include <gtest/gtest.h>
 
+#include <type_traits>
+
 namespace Tarvix {
 
 using namespace Testing;
 using Lines = std::vector<std::string>;
+
+static_assert(std::is_copy_constructible_v<CollectingLog> && std::is_copy_assignable_v<CollectingLog>,
+              "what a host derives from icLog is its own to copy");
 
 namespace {
 

@@ -56,6 +56,9 @@ TEST(OversamplingBuffer, GrowsBy32IdleBytes)
 
     Buffer.WriteSamples(31 * 8 + 1, 0); // one sample beyond the 33 bytes
     EXPECT_EQ(Buffer.Data().size(), 65U);
+    Buffer.InitializeData();
+    Buffer.WriteSamples(32 * 8, 0);
+    EXPECT_EQ(Buffer.Data().size(), 32U) << "what one extension just holds";
 }
 
 TEST(OversamplingBuffer, BytesGoOutInEitherBitOrder)

@@ -63,14 +63,14 @@ void FakeDevice::SendSamples(std::span<const std::uint8_t> Samples, std::int32_t
                              std::int32_t WriteEdge)
 {
     Record(Text("SendSamples", ByteCount, LSBFirst, WriteEdge));
-    Sent.emplace_back(Samples.begin(), Samples.begin() + ByteCount);
+    Sent.emplace_back(Samples.begin(), Samples.end());
 }
 
 void FakeDevice::ExchangeSamples(std::span<std::uint8_t> Samples, std::int32_t ByteCount, std::int32_t LSBFirst,
                                  std::int32_t WriteEdge, std::int32_t ReadEdge)
 {
     Record(Text("ExchangeSamples", ByteCount, LSBFirst, WriteEdge, ReadEdge));
-    Sent.emplace_back(Samples.begin(), Samples.begin() + ByteCount);
+    Sent.emplace_back(Samples.begin(), Samples.end());
     if (Bus) {
         Bus(Samples.first(static_cast<std::size_t>(ByteCount)));
     }

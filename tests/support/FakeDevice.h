@@ -19,7 +19,7 @@ public:
     /// Every call in order, as text: "ConfigurePins 3 11", "SetOption 0", "DivisorForFrequency", "SetClockDivisor 195",
     /// "FrequencyForDivisor 195", "SendSamples 14 1 0", "ExchangeSamples 64 1 0 0", "Close".
     std::vector<std::string> Calls;
-    /// The samples of every SendSamples and ExchangeSamples as they went out.
+    /// The arrays of every SendSamples and ExchangeSamples as they went out, whole: a stream fills its array.
     std::vector<Bytes> Sent;
     /// The frequencies asked of DivisorForFrequency.
     std::vector<double> Frequencies;

@@ -202,6 +202,14 @@ TEST(Commands, ReadFrameJudgesTheAnswer)
     }
 }
 
+TEST(Commands, ReadFrameJudgesASingleByte)
+{
+    Bench Bus;
+    Bus.Device.Bus = Answering({0x12, 0x70});
+    EXPECT_EQ(Bus.Run("READ_FRAME ID (7D) LEN 1 RX (12);"), NoFailure);
+    EXPECT_EQ(Bus.Run("READ_FRAME ID (7D) LEN 1 RX (13);"), RxDataCheck);
+}
+
 TEST(Commands, TheLogRunAgainRepeatsTheSession)
 {
     const auto Session = [](clsLIN& Master, FakeDevice& Device) {

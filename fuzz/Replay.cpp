@@ -1,9 +1,9 @@
 /// @file
 /// Runs a fuzzer over the inputs that are kept, without libFuzzer: `NAME_replay FOLDER`.
-#include <cstdio>
 #include <exception>
 #include <filesystem>
 #include <fstream>
+#include <iostream>
 #include <iterator>
 #include <string>
 #include <vector>
@@ -25,13 +25,12 @@ int Replay(const char* Folder)
 {
     int Count = 0;
     for (const auto& Entry : std::filesystem::directory_iterator(Folder)) {
-        std::printf("%s\n", Entry.path().c_str()); // the last one is the culprit when this ends at once
-        std::fflush(stdout);
+        std::cout << Entry.path() << std::endl; // the last one is the culprit when this ends at once
         const auto Bytes = Contents(Entry.path());
         LLVMFuzzerTestOneInput(Bytes.data(), Bytes.size());
         ++Count;
     }
-    std::printf("%d inputs\n", Count);
+    std::cout << Count << " inputs\n";
     return Count > 0 ? 0 : 1;
 }
 
@@ -42,7 +41,7 @@ int main(int Count, char** Arguments)
     try {
         return Count == 2 ? Replay(Arguments[1]) : 2;
     } catch (const std::exception& Failure) {
-        std::fprintf(stderr, "%s\n", Failure.what());
+        std::cerr << Failure.what() << '\n';
         return 1;
     }
 }

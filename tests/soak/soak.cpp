@@ -12,8 +12,9 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdio>
 #include <exception>
+#include <iomanip>
+#include <iostream>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -53,14 +54,14 @@ public:
     /// False for what no bus can cause.
     bool Add(const Tarvix::Error& Raised)
     {
-        const auto Found = std::find_if(Entries_.begin() + 2, Entries_.end(),
-                                        [&](const Entry& Each) { return Each.Number == Raised.Number(); });
+        auto* const Found = std::find_if(Entries_.begin() + 2, Entries_.end(),
+                                         [&](const Entry& Each) { return Each.Number == Raised.Number(); });
         return Found != Entries_.end() && ++Found->Count > 0;
     }
     void Print() const
     {
         for (const Entry& Each : Entries_) {
-            std::printf("%9lld  %s\n", static_cast<long long>(Each.Count), Each.What);
+            std::cout << std::setw(9) << Each.Count << "  " << Each.What << '\n';
         }
     }
 
@@ -188,9 +189,9 @@ int Soak(int Minutes)
         Require(Tarvix::Testing::LiveBytes() == Live, "memory grew from bus to bus");
     }
 
-    std::printf("%d minutes on the bus; of the disturbed frames were\n", Minutes);
+    std::cout << Minutes << " minutes on the bus; of the disturbed frames were\n";
     Outcomes.Print();
-    std::printf("memory: %zu bytes at the most, %zu between two buses\n", Tarvix::Testing::PeakBytes(), Live);
+    std::cout << "memory: " << Tarvix::Testing::PeakBytes() << " bytes at the most, " << Live << " between two buses\n";
     return 0;
 }
 
@@ -201,12 +202,12 @@ int main(int Count, char** Arguments)
     try {
         const int Minutes = Count == 2 ? std::stoi(Arguments[1]) : 0;
         if (Minutes < 1) {
-            std::fprintf(stderr, "usage: soak MINUTES\n");
+            std::cerr << "usage: soak MINUTES\n";
             return 2;
         }
         return Soak(Minutes);
     } catch (const std::exception& Failure) {
-        std::fprintf(stderr, "soak: %s\n", Failure.what());
+        std::cerr << "soak: " << Failure.what() << '\n';
         return 1;
     }
 }

@@ -24,7 +24,7 @@ constexpr std::uint8_t Identifiers = 0x40;
 Bytes DataOf(std::uint8_t Identifier, std::size_t Length)
 {
     Bytes Data(Length);
-    std::iota(Data.begin(), Data.end(), static_cast<std::uint8_t>(Identifier * 4 + Length * 29));
+    std::iota(Data.begin(), Data.end(), static_cast<std::uint8_t>(Identifier * std::size_t{4} + Length * 29));
     return Data;
 }
 

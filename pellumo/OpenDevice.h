@@ -18,8 +18,10 @@ namespace Pellumo {
 /// | `sim:` | the simulated bus with the built-in example nodes |
 /// | `sim:FILE.toml` | a simulated bus described in a file |
 /// | `ftdi:///1` | the first chip found on USB, its first interface |
-/// | `ftdi://VENDOR:PRODUCT[:SERIAL]/INTERFACE` | one chip; names like `ftdi`, `232h`, `2232h`, `4232h`, `2232` or
-/// hexadecimal numbers; what is left out matches every chip |
+/// | `ftdi://VENDOR:PRODUCT[:SERIAL]/INTERFACE` | one chip |
+///
+/// The vendor is `ftdi` or a hexadecimal number; the product `232h`, `2232h`, `4232h`, `2232` or a hexadecimal number.
+/// What is left out matches every chip.
 ///
 /// @throws Tarvix::Error  with a number of `errPellumo`; the description names the device, what was tried and what the
 ///                        user can do

@@ -1,6 +1,6 @@
 /// @file
-/// The sample clock of the engine: base clock / 2 / (1 + divisor), a base of 60 MHz on high-speed chips, else of 12
-/// MHz.
+/// The sample clock of the engine: base clock / 2 / (1 + divisor), with a base of 60 MHz on high-speed chips and of
+/// 12 MHz on others.
 #pragma once
 
 #include <cstdint>

@@ -45,7 +45,7 @@ public:
     void ConfigurePins(std::uint8_t Levels, std::uint8_t Directions) override;
 
     /// @param Option  0: the plain mode, without divided base clock, adaptive clocking, three-phase clocking or
-    /// loopback
+    ///                loopback
     /// @throws Tarvix::Error  errUnsupported for every other value
     void SetOption(std::int32_t Option) override;
 

@@ -96,8 +96,8 @@ public:
 
     // -- the last frame
 
-    /// Identifier byte of the last frame operation, as it went on the bus; readable after a read without an answer,
-    /// too.
+    /// Identifier byte of the last frame operation, as it went on the bus. It is readable after a read without an
+    /// answer, too.
     /// @throws Error  errNoData "No data available"
     std::uint8_t ID() const;
     /// Data bytes of the last frame, the checksum not counted.
@@ -129,11 +129,11 @@ public:
     /// @param DataLength  1 to 8
     /// @param TxData      the data bytes, at least that many
     /// @param Chksum      sent in place of the computed checksum, a wrong one included: a number 0 to 255
-    /// @throws Error  errParameter "Invalid number of data bytes", errIndexOutOfRange, errTypeMismatch, errOverflow
-    /// before
-    ///                anything is sent; after the frame was on the bus, with the source "clsLINViaFTDIMPSSE" or
-    ///                "clsOversamplingBuffer": 0x8004C3F1 "Framing error", 0x8004C3F2 "Transmission corrupted, Tx <>
-    ///                Rx", 0x8004C419 "Cannot sample input signal, no more data"
+    /// @throws Error  before anything is sent: errParameter "Invalid number of data bytes", errIndexOutOfRange,
+    ///                errTypeMismatch, errOverflow; after the frame was on the bus, with the source
+    ///                "clsLINViaFTDIMPSSE" or "clsOversamplingBuffer": 0x8004C3F1 "Framing error",
+    ///                0x8004C3F2 "Transmission corrupted, Tx <> Rx",
+    ///                0x8004C419 "Cannot sample input signal, no more data"
     void WriteFrame(std::uint8_t IDbyte, std::int32_t DataLength, std::span<const std::uint8_t> TxData,
                     const std::optional<Variant>& Chksum = std::nullopt);
     /// Sends a header and reads the answer of a slave; logs the request when an answer of the expected length came.
@@ -145,8 +145,7 @@ public:
     /// @param ChksumCheck     whether to compare the checksum
     /// @return True when an answer came, false when none did
     /// @throws Error  errParameter "Invalid number of data bytes"; errResponseLength; errChksum "Rx checksum error";
-    /// and
-    ///                those of decoding, as in `WriteFrame`, and errIndexOutOfRange when more than 9 bytes came
+    ///                those of decoding, as in `WriteFrame`; errIndexOutOfRange when more than 9 bytes came
     bool ReadFrame(std::uint8_t IDbyte, std::int32_t ExpectedLength, bool ChksumCheck = true);
 
     /// True when the last frame's checksum equals `ExpectedChecksum` in every bit that is 1 in `ChecksumMask`.
@@ -154,8 +153,7 @@ public:
     bool CheckChksum(std::uint8_t ExpectedChecksum, std::uint8_t ChecksumMask) const;
     /// True when each data byte of the last frame equals the expected one in every bit that is 1 in its mask byte.
     /// @throws Error  errNoData "No data available"; errDataLength "Data length mismatch" when the last frame has
-    /// another
-    ///                length; errIndexOutOfRange when an array is shorter than the frame
+    ///                another length; errIndexOutOfRange when an array is shorter than the frame
     bool CheckData(std::int32_t ExpectedDataLength, std::span<const std::uint8_t> ExpectedData,
                    std::span<const std::uint8_t> DataMask) const;
 

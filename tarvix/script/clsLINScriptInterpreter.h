@@ -50,9 +50,8 @@ public:
     /// Runs a script.
     /// @param Script  UTF-16, at most 2^31 - 2 code units
     /// @throws Error  a member of errLINScriptInterpreter; errNotAttached at a command without a master;
-    /// errInvalidArgument
-    ///                when called from inside the progress event of the same interpreter, whose run goes on
-    ///                undisturbed; and everything that the master raises
+    ///                errInvalidArgument when called from inside the progress event of the same interpreter, whose run
+    ///                goes on undisturbed; and everything that the master raises
     void ExecuteScript(std::u16string_view Script);
     /// As above for UTF-8, which is converted first: ill-formed bytes become U+FFFD, and positions count UTF-16 code
     /// units.

@@ -20,7 +20,11 @@ public:
         Interpreter_.Progress_ = Interpreter_.ExecutionProgress;
         Interpreter_.Running_ = true;
     }
-    ~SingleRun() { Interpreter_.Running_ = false; }
+    ~SingleRun()
+    {
+        Interpreter_.Progress_ = nullptr; // what the handler holds is the host's again
+        Interpreter_.Running_ = false;
+    }
     SingleRun(const SingleRun&) = delete;
     SingleRun& operator=(const SingleRun&) = delete;
 

@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <stdexcept>
 
 namespace Tarvix {
@@ -182,6 +183,17 @@ TEST(Interpreter, LetsHandlersFailDetachAndChangeThemselves)
     EXPECT_EQ(Bus.Run("BREAK;"), NoFailure);
     EXPECT_EQ(First, 2) << "a run reports to the handler that it started with";
     EXPECT_EQ(Bus.Run("BREAK;"), NoFailure) << "without a handler";
+}
+
+TEST(Interpreter, KeepsNothingOfAHandlerAfterTheRun)
+{
+    Bench Bus;
+    const auto Held = std::make_shared<int>(0);
+    Bus.Interpreter.ExecutionProgress = [Held](std::int32_t) { ++*Held; };
+    EXPECT_EQ(Bus.Run("BREAK;"), NoFailure);
+    Bus.Interpreter.ExecutionProgress = nullptr;
+    EXPECT_EQ(*Held, 2);
+    EXPECT_EQ(Held.use_count(), 1);
 }
 
 TEST(Interpreter, DeviceFailuresArriveUntouched)

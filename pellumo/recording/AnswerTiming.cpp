@@ -28,9 +28,9 @@ struct Answer {
 };
 
 struct Edge {
-    std::int64_t BitNumber; ///< counted as if bytes followed each other without a gap, ten bits each
-    std::int64_t Sample;
-    std::size_t Byte;
+    std::int64_t BitNumber = 0; ///< counted as if bytes followed each other without a gap, ten bits each
+    std::int64_t Sample = 0;
+    std::size_t Byte = 0;
 };
 
 /// The clean edges: start edges, and where two bits differ the only edge between their sampling points.

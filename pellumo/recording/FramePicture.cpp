@@ -191,9 +191,11 @@ std::string DrawAxis(const SampleStream& Stream, std::int64_t End)
 /// Where the drawing ends: a little after the last dominant sample, or later to show that nobody answers.
 std::int64_t DrawnSamples(const BusEvent& Event)
 {
-    const auto Rx = Event.Stream.Rx;
-    const auto Last = std::find_if(Rx.rbegin(), Rx.rend(), [](std::uint8_t Byte) { return Byte != 0xFF; });
-    const std::int64_t Activity = static_cast<std::int64_t>(Rx.rend() - Last) * 8;
+    auto Active = Event.Stream.Rx;
+    while (!Active.empty() && Active.back() == 0xFF) {
+        Active = Active.first(Active.size() - 1);
+    }
+    const std::int64_t Activity = static_cast<std::int64_t>(Active.size()) * 8;
     const std::int64_t Shown = std::max({Activity, Event.BreakSamples, Event.ResponseBegin});
     const bool Silent = Event.Kind == BusEventKind::Read && Event.Received.empty();
     return std::min(Event.Stream.Samples(), Shown + (Silent ? 20 * Bit : 4 * Bit));

@@ -4,6 +4,15 @@
 
 namespace Pellumo {
 
+namespace {
+
+void LIBUSB_CALL NoteEnd(libusb_transfer* Transfer)
+{
+    *static_cast<bool*>(Transfer->user_data) = false;
+}
+
+} // namespace
+
 BulkTransfer::BulkTransfer() : Transfer_(libusb_alloc_transfer(0))
 {
     if (!Transfer_) {
@@ -14,8 +23,7 @@ BulkTransfer::BulkTransfer() : Transfer_(libusb_alloc_transfer(0))
 int BulkTransfer::Submit(libusb_device_handle* Handle, unsigned char Endpoint, std::span<std::uint8_t> Data,
                          std::chrono::milliseconds Limit) noexcept
 {
-    const auto Over = [](libusb_transfer* Transfer) { *static_cast<bool*>(Transfer->user_data) = false; };
-    libusb_fill_bulk_transfer(Transfer_.get(), Handle, Endpoint, Data.data(), static_cast<int>(Data.size()), Over,
+    libusb_fill_bulk_transfer(Transfer_.get(), Handle, Endpoint, Data.data(), static_cast<int>(Data.size()), NoteEnd,
                               &InFlight_, static_cast<unsigned int>(Limit.count()));
     const int Code = libusb_submit_transfer(Transfer_.get());
     InFlight_ = Code == LIBUSB_SUCCESS;

@@ -8,7 +8,7 @@
 
 #include <algorithm>
 #include <array>
-#include <functional>
+#include <memory>
 #include <span>
 #include <sstream>
 #include <string_view>
@@ -170,7 +170,7 @@ public:
             if (!Chosen_) {
                 throw CLI::RequiredError("A command");
             }
-            return Chosen_();
+            return *Chosen_;
         } catch (const CLI::ParseError& End) {
             return Explain(End);
         }
@@ -184,9 +184,9 @@ private:
         CLI::App& App = *App_.add_subcommand(Name, Help);
         App.set_version_flag("--version", VersionText, "Print the version and exit");
         App.footer(Examples);
-        const auto Held = std::make_shared<Record>(std::move(Initial));
-        App.final_callback([this, Held] { Chosen_ = [Held] { return Command(*Held); }; });
-        return {App, *Held};
+        const auto Held = std::make_shared<Command>(std::move(Initial));
+        App.final_callback([this, Held] { Chosen_ = Held; });
+        return {App, std::get<Record>(*Held)};
     }
 
     /// As above, for a command that uses the bus.
@@ -253,7 +253,7 @@ private:
     }
 
     CLI::App App_;
-    std::function<Command()> Chosen_;
+    std::shared_ptr<Command> Chosen_;
 };
 
 } // namespace

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <cmath>
 #include <string_view>
 #include <utility>
 
@@ -20,6 +21,12 @@ std::string Digits(T Value)
     std::array<char, 32> Text{}; // the shortest form of any double has at most 24 characters
     const auto Result = std::to_chars(Text.data(), Text.data() + Text.size(), Value);
     return {Text.data(), Result.ptr};
+}
+
+/// From 2^53 on a 64-bit float no longer tells every whole number.
+bool IsWhole(double Value) noexcept
+{
+    return std::fabs(Value) < 0x1p53 && std::trunc(Value) == Value;
 }
 
 std::string_view WithoutBlanks(std::string_view Text) noexcept
@@ -92,7 +99,7 @@ std::string Variant::ToText() const
         return Number->Negative ? Digits(static_cast<std::int64_t>(Number->Bits)) : Digits(Number->Bits);
     }
     if (const auto* Real = std::get_if<double>(&Value_)) {
-        return Digits(*Real);
+        return IsWhole(*Real) ? Digits(static_cast<std::int64_t>(*Real)) : Digits(*Real);
     }
     if (const auto* Text = std::get_if<std::string>(&Value_)) {
         return *Text;

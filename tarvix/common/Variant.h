@@ -44,6 +44,16 @@ public:
     /// An array.
     Variant(Array Value) noexcept : Value_(std::move(Value)) {}
 
+    Variant(const Variant&) = default;
+    Variant(Variant&&) noexcept = default;
+    ~Variant() = default;
+    /// By value: the other may be an element of the array that it replaces.
+    Variant& operator=(Variant Other) noexcept
+    {
+        Value_ = std::move(Other.Value_);
+        return *this;
+    }
+
     /// An array of unsigned bytes.
     static Variant FromBytes(std::span<const std::uint8_t> Bytes);
 
@@ -65,8 +75,8 @@ public:
     /// @throws Error  errTypeMismatch when it is not numeric, errOverflow outside 0 to 255
     std::uint8_t ToByte() const;
 
-    /// As text: whole numbers as plain decimal digits, reals in the shortest form that reads back as the same number,
-    /// nothing as the empty text.
+    /// As text: whole numbers as plain decimal digits, also reals that are whole and below 2^53; other reals in the
+    /// shortest form that reads back as the same number; nothing as the empty text.
     /// @throws Error  errTypeMismatch for an array
     std::string ToText() const;
 

@@ -60,12 +60,25 @@ TEST(Variant, KnowsItsKind)
     EXPECT_NE(Variant(1), Variant(1.0));
 }
 
+TEST(Variant, MayBecomeItsOwnElement)
+{
+    Variant Value = Variant::Array{Variant::Array{9}, 1};
+    Value = Value.Elements()[0];
+    EXPECT_EQ(Value, Variant(Variant::Array{9}));
+    Value = Value.Elements()[0];
+    EXPECT_EQ(Value, Variant(9));
+}
+
 TEST(Variant, WritesWholeNumbersAsPlainDigits)
 {
     EXPECT_EQ(Variant(std::numeric_limits<std::int64_t>::min()).ToText(), "-9223372036854775808");
     EXPECT_EQ(Variant(std::numeric_limits<std::uint64_t>::max()).ToText(), "18446744073709551615");
     EXPECT_EQ(Variant(std::uint8_t{65}).ToText(), "65");
     EXPECT_EQ(Variant(2.5).ToText(), "2.5");
+    EXPECT_EQ(Variant(1e6).ToText(), "1000000");
+    EXPECT_EQ(Variant(-0.0).ToText(), "0");
+    EXPECT_EQ(Variant(0x1p53).ToText(), "9007199254740992");
+    EXPECT_EQ(Variant(1e300).ToText(), "1e+300");
     EXPECT_EQ(Variant("x").ToText(), "x");
     EXPECT_EQ(Variant().ToText(), "");
     EXPECT_EQ(FailureOf([] { Variant(Variant::Array{}).ToText(); }), TypeMismatch);

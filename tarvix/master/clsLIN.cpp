@@ -49,7 +49,8 @@ std::int32_t clsLIN::BaudrateBd() const
 
 void clsLIN::BaudrateBd(std::int32_t Value)
 {
-    Engine().SetBitPeriod(NarrowToFloat(Quotient(1.0, Value)));
+    const float tBit = NarrowToFloat(Quotient(1.0, Value));
+    Engine().SetBitPeriod(tBit);
     if (Log_ != nullptr) {
         Log_->LogEntry(Synthesizer_->ScriptBaudrateBaudrateBd(Value));
     }

@@ -22,6 +22,7 @@
 /// Frames, waits and breaks allocate no memory once frames of that size have been exchanged (the log apart).
 #pragma once
 
+#include "tarvix/common/Error.h" // IWYU pragma: export
 #include "tarvix/common/Export.h"
 #include "tarvix/common/Variant.h"
 #include "tarvix/common/eLINChecksumMode.h"

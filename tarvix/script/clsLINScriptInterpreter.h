@@ -14,6 +14,7 @@
 /// ```
 #pragma once
 
+#include "tarvix/common/Error.h" // IWYU pragma: export
 #include "tarvix/common/Export.h"
 
 #include <cstdint>
@@ -41,7 +42,7 @@ public:
     /// The progress event; may be empty. Raised with position 1 at the start, with the position after every line end
     /// that is passed, and with the position after the text when the last command is done, but not after an error.
     /// Positions are 1-based and count UTF-16 code units. It runs on the caller's thread; what it throws stops the
-    /// script. A run reports to the handler that is set when it starts.
+    /// script. A run reports to a copy of the handler that is set when it starts.
     std::function<void(std::int32_t CodePos)> ExecutionProgress;
 
     /// Attaches the master, which is held, not owned; replaces an earlier one.

@@ -127,6 +127,7 @@ TEST(Master, NeedsADeviceBeforeAndAnEngineAfter)
     const std::uint8_t Data[2] = {1, 2};
     const auto ExpectNotAttached = [&] {
         EXPECT_EQ(FailureOf([&] { Master.BaudrateBd(9600); }), NotAttached);
+        EXPECT_EQ(FailureOf([&] { Master.BaudrateBd(0); }), DivisionByZero) << "the value is judged first";
         EXPECT_EQ(FailureOf([&] { Master.BaudrateTbit(1.0F); }), NotAttached);
         EXPECT_EQ(FailureOf([&] { Master.Wait(1); }), NotAttached);
         EXPECT_EQ(FailureOf([&] { Master.GenerateBreak(); }), NotAttached);

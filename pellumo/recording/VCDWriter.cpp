@@ -93,7 +93,7 @@ void VCDWriter::OnStream(const SampleStream& Stream)
     if (Finished_ || !(Stream.Frequency > 0.0)) {
         return;
     }
-    if (LeadIn_ == 0) {
+    if (LastStamp_ == 0) { // nothing has changed yet: the bit time of the first change counts
         LeadIn_ = DurationOf(IdleBitsBefore, Stream.Frequency);
     }
     const std::int64_t Trailing = DurationOf(IdleBitsAfter, Stream.Frequency);
@@ -128,7 +128,7 @@ void VCDWriter::Finish()
         Finished_ = true;
         LastStamp_ = -1;
         std::array<char, LineSize> Line{};
-        Text_.append(Line.data(), PutStamp(Line.data(), EndStamp_));
+        Text_.append(Line.data(), PutStamp(Line.data(), std::max<std::int64_t>(EndStamp_, 1)));
         Flush();
         Out_.flush();
     }

@@ -14,8 +14,9 @@
 namespace Pellumo {
 
 /// Shows the streams as two wires of the scope `lin`: `tx`, what the commander drives, and `rx`, the bus as sampled.
-/// Time counts in units of 100 ns and starts two bit times before the first stream, so that the file begins with an
-/// idle bus; it ends 24 bit times or more after the last change, so that decoders see the last frame end.
+/// Time counts in units of 100 ns and starts two bit times, as they are at the first change, before the first stream,
+/// so that the file begins with an idle bus; it ends 24 bit times or more after the last change, so that decoders see
+/// the last frame end.
 ///
 /// Each stream is written at once; memory is constant. Streams without a known clock are left out. Whether everything
 /// could be written is told by the output stream's state.

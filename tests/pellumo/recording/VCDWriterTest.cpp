@@ -68,7 +68,7 @@ TEST(VCDWriter, WritesChangesOnlyBetweenIdleTimes)
     EXPECT_EQ(FileOf({Exchanged(Tx, Rx)}), Head + "#3500\n0!\n#3625\n0\"\n#4000\n1!\n1\"\n#28000\n");
     EXPECT_EQ(FileOf({Sent({0x00, 0x00, 0xFF})}), Head + "#2000\n0!\n0\"\n#4000\n1!\n1\"\n#28000\n");
     EXPECT_EQ(FileOf({Sent({0xFF})}), Head + "#3000\n") << "no change at all";
-    EXPECT_EQ(FileOf({}), Head + "#0\n");
+    EXPECT_EQ(FileOf({}), Head + "#1\n") << "time goes on";
     Bytes Long(40, 0xFF);
     Long[0] = 0xFE;
     EXPECT_EQ(FileOf({Sent(Long)}), Head + "#2000\n0!\n0\"\n#2125\n1!\n1\"\n#42000\n") << "longer than 24 bits";
@@ -93,6 +93,15 @@ TEST(VCDWriter, FollowsClockChangesAndLeavesOutWhatHasNoClock)
     const SampleStream Fast{Low, Low, false, 160e3, 1.0, 0};
     const SampleStream Slow{High, High, false, 80e3, 1.00005, 0};
     EXPECT_EQ(FileOf({NoClock, Fast, Slow}), Head + "#10001000\n0!\n0\"\n#10001500\n1!\n1\"\n#10025500\n");
+}
+
+TEST(VCDWriter, IsIdleForTwoBitTimesOfTheFirstChange)
+{
+    const Bytes Low{0x00};
+    const Bytes High{0xFF};
+    const SampleStream Fast{High, High, false, 800e3, 0.0, 0};
+    const SampleStream Slow{Low, Low, false, 8e3, 0.00001, 0};
+    EXPECT_EQ(FileOf({Fast, Slow}), Head + "#20100\n0!\n0\"\n#260100\n");
 }
 
 TEST(VCDWriter, RoundingNeverAddsUp)
@@ -169,7 +178,7 @@ TEST(VCDWriter, EndsOnceAndInItsDestructorIfNeedBe)
     Writer.Finish();
     Writer.Finish();
     Writer.OnStream(Sent(Low));
-    EXPECT_EQ(Again.str(), Head + "#0\n");
+    EXPECT_EQ(Again.str(), Head + "#1\n");
 }
 
 TEST(VCDWriter, DestructorSwallowsAFailure)

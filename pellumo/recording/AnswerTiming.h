@@ -14,7 +14,9 @@ namespace Pellumo {
 /// The slave's clock against the commander's.
 struct ClockEstimate {
     double Deviation = 0.0; ///< percent; positive: the slave's clock is fast, its bits are short
-    double Accuracy = 0.0;  ///< percent: the true deviation lies within `Deviation` plus or minus `Accuracy`
+    /// Percent: the true deviation lies within `Deviation` plus or minus `Accuracy`, unless gaps between bytes passed
+    /// for a slow clock.
+    double Accuracy = 0.0;
 };
 
 /// Timing of an answer. Bit times are the commander's.
@@ -34,9 +36,12 @@ struct AnswerTiming {
 /// The slave's bit time lies between bounds that follow from every two edges: so many bits took so many samples, give
 /// or take the one sample by which each edge is seen late. The more edges and the longer the answer, the closer the
 /// bounds. Edges of different bytes count when that leaves a bit time for bytes without any gap between them, which a
-/// slave's UART sends; else only edges of the same byte. Typical accuracy: nine bytes without gaps 0.03 percent,
-/// with gaps 0.7 percent, one byte 1.5 percent. Edges that jitter by more than one sample against each other widen the
-/// bounds.
+/// slave's UART sends; else only edges of the same byte. So gaps that are as long as a slow clock would make them, less
+/// than a fifth of a bit time, are taken for one.
+///
+/// Accuracy on the simulated bus, median and worst of 800 random answers, in percent: nine bytes without gaps 0.02 and
+/// 0.15, three bytes 0.15 and 0.55, two bytes 0.4 and 1.0; with gaps 0.5 and 1.5, 0.7 and 1.6, 0.9 and 2.7. Edges that
+/// jitter by more than one sample against each other widen the bounds.
 ///
 /// @param Samples        the bus as sampled
 /// @param ResponseBegin  the sample after the identifier's stop bit

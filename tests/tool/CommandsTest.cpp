@@ -251,6 +251,7 @@ INSTANTIATE_TEST_SUITE_P(
         UsageCase{{"scan", "--checksum", "x"}, 2, "none of classic, enhanced"},
         UsageCase{{"scan", "-b", "fast"}, 2, "\"fast\" is no bit rate"},
         UsageCase{{"scan", "--vcd", "x", "--record", "x"}, 2, "same file is given to --vcd"},
+        UsageCase{{"scan", "--vcd", ""}, 2, "--vcd: The file's name is empty."},
         UsageCase{{"scan", "--svg", "/tmp/../x", "--record", "/x"}, 2, "same file is given to --svg"},
         UsageCase{{"run", "-", "a.lin", "--record", "./a.lin"}, 2, "--record: the script a.lin would be overwritten"},
         UsageCase{{"scan", "-d", "sim:bus", "--vcd", "bus"}, 2, "--vcd: the bus file bus would be overwritten"},

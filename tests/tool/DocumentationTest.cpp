@@ -91,6 +91,8 @@ TEST(Help, IsEverywhereAndShowsExamples)
 
 TEST(Help, IsGivenEvenWhereArgumentsAreMissing)
 {
+    EXPECT_EQ(RunProgram({"--help", "read"}).Out, RunProgram({"--help"}).Out);
+    EXPECT_EQ(RunProgram({"--version", "read"}).Out, "tarvix 1.1.0\n");
     EXPECT_NE(RunProgram({"read", "3D", "--help"}).Out.find("Usage: tarvix read"), std::string::npos);
 }
 

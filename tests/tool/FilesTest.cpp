@@ -49,6 +49,66 @@ TEST(Files, AreCompleteAfterAFailure)
     EXPECT_EQ(std::count(End.begin(), End.end(), '\n'), 1) << "the file ends with a time stamp";
 }
 
+TEST(Files, OfAnEarlierRunStayUntilTheNextOneBegins)
+{
+    const TemporaryDirectory Directory;
+    const std::string VCD = Directory.Write("a.vcd", "earlier");
+    const std::string SVG = Directory.Write("a.svg", "earlier");
+    const auto Read = [&](const std::vector<std::string>& Options) {
+        std::vector<std::string> Arguments = {"read", "3D", "2", "--vcd", VCD, "--svg", SVG};
+        Arguments.insert(Arguments.end(), Options.begin(), Options.end());
+        return RunQuietly(Arguments).Status;
+    };
+    EXPECT_EQ(Read({"-d", "sim:/nowhere.toml"}), 3);
+    EXPECT_EQ(Read({"-b", "1"}), 1);
+    EXPECT_EQ(Read({"--record", Directory.Path("nowhere/a.lin")}), 2);
+    EXPECT_EQ(Contents(VCD) + Contents(SVG), "earlierearlier");
+    EXPECT_EQ(Read({}), 0);
+    EXPECT_EQ((Contents(VCD) + Contents(SVG)).find("earlier"), std::string::npos);
+}
+
+TEST(Files, AreNotReplacedUnderAnotherName)
+{
+    const TemporaryDirectory Directory;
+    const std::string Script = Directory.Write("a.lin", "BREAK;\n");
+    std::filesystem::create_hard_link(Script, Directory.Path("b.lin"));
+    EXPECT_EQ(RunQuietly({"run", Script, "--record", Directory.Path("b.lin")}).Status, 2);
+    const std::string Piped = "exec " TARVIX_PROGRAM " run - --record '" + Script + "' < '" + Script + "'";
+    EXPECT_EQ(RunProgram({"-c", Piped}, {.Executable = "/bin/sh"}).Status, 2);
+    EXPECT_EQ(Contents(Script), "BREAK;\n");
+
+    const std::string Results = Directory.Path("results");
+    const Outcome Result = RunQuietly({"read", "3D", "2", "--record", Results}, {.OutputFile = Results});
+    EXPECT_EQ(Result.Status, 2);
+    EXPECT_NE(Result.Error.find("--record: the results on the standard output would be overwritten"),
+              std::string::npos);
+}
+
+TEST(Files, ASavedViewIsLeftAloneAndAPipeHasNone)
+{
+    const TemporaryDirectory Directory;
+    const std::string View = Directory.Write("a.gtkw", "mine");
+    EXPECT_EQ(RunQuietly({"read", "3D", "2", "--vcd", Directory.Path("a.vcd")}).Status, 0);
+    EXPECT_EQ(Contents(View), "mine");
+    const Outcome Result = RunQuietly({"read", "3D", "2", "--vcd", "/dev/stdout"});
+    EXPECT_NE(Result.Out.find("$timescale"), std::string::npos);
+    EXPECT_FALSE(std::filesystem::exists("/dev/stdout.gtkw"));
+}
+
+TEST(ClosedStreams, DoNotEndUpInFiles)
+{
+    const TemporaryDirectory Directory;
+    const std::string VCD = Directory.Path("a.vcd");
+    const std::string Line = TARVIX_PROGRAM " read 3D 2 --vcd '" + VCD + "' <&- ";
+    const Outcome NoOutput = RunProgram({"-c", Line + ">&-"}, {.Executable = "/bin/sh"});
+    EXPECT_EQ(NoOutput.Status, 1);
+    EXPECT_NE(NoOutput.Error.find("The results cannot be written: Bad file descriptor"), std::string::npos);
+    EXPECT_TRUE(Contents(VCD).starts_with("$timescale"));
+    const Outcome NoErrors = RunProgram({"-c", Line + "2>&-"}, {.Executable = "/bin/sh"});
+    EXPECT_EQ(NoErrors.Status, 0);
+    EXPECT_TRUE(Contents(VCD).starts_with("$timescale"));
+}
+
 // /dev/full refuses every byte, as a full disk does.
 TEST(FullDisk, UnderTheResultsEndsTheRun)
 {

@@ -76,7 +76,7 @@ TEST_P(Interrupt, EndsTheRunBetweenTwoFrames)
     EXPECT_EQ(std::count(End.begin(), End.end(), '\n'), 1);
     EXPECT_TRUE(End.ends_with('\n'));
 }
-INSTANTIATE_TEST_SUITE_P(Each, Interrupt, testing::Values(SIGINT, SIGTERM));
+INSTANTIATE_TEST_SUITE_P(Each, Interrupt, testing::Values(SIGHUP, SIGINT, SIGTERM));
 
 TEST(Interrupt, ASecondOneKills)
 {
@@ -91,6 +91,17 @@ TEST(Interrupt, ASecondOneKills)
     }
     kill(Running.ID(), SIGINT);
     EXPECT_EQ(Running.Finish().Status, -SIGINT);
+}
+
+TEST(Interrupt, AnIgnoredSignalStaysIgnored)
+{
+    const std::string Line = "trap '' HUP; exec " TARVIX_PROGRAM " run - --format candump -q";
+    Program Running({"-c", Line}, {.Input = LongScript(), .Executable = "/bin/sh"});
+    Running.ReadLine();
+    kill(Running.ID(), SIGHUP);
+    const Outcome Result = Running.Finish();
+    EXPECT_EQ(Result.Status, 0);
+    EXPECT_EQ(std::count(Result.Out.begin(), Result.Out.end(), '\n'), Frames - 1);
 }
 
 TEST(Interrupt, AReaderThatLeavesEndsTheRunQuietly)

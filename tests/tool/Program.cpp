@@ -108,11 +108,19 @@ Program::Program(const std::vector<std::string>& Arguments, const Surroundings& 
     posix_spawn_file_actions_adddup2(&Actions, Output.Theirs, STDOUT_FILENO);
     posix_spawn_file_actions_adddup2(&Actions, fileno(Error_.get()), STDERR_FILENO);
 
+    posix_spawnattr_t Attributes{};
+    posix_spawnattr_init(&Attributes);
+    sigset_t Signals{};
+    sigfillset(&Signals);
+    posix_spawnattr_setsigdefault(&Attributes, &Signals); // whoever runs the tests may ignore some
+    posix_spawnattr_setflags(&Attributes, POSIX_SPAWN_SETSIGDEF);
+
     std::vector<std::string> Texts = {Around.Executable.empty() ? TARVIX_PROGRAM : Around.Executable};
     Texts.insert(Texts.end(), Arguments.begin(), Arguments.end());
     std::vector<std::string> Environment = EnvironmentFor(Around);
-    const int Failure = posix_spawn(&ID_, Texts.front().c_str(), &Actions, nullptr, Pointers(Texts).data(),
+    const int Failure = posix_spawn(&ID_, Texts.front().c_str(), &Actions, &Attributes, Pointers(Texts).data(),
                                     Pointers(Environment).data());
+    posix_spawnattr_destroy(&Attributes);
     posix_spawn_file_actions_destroy(&Actions);
     close(Output.Theirs);
     if (Failure != 0) {

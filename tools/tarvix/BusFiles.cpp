@@ -6,29 +6,46 @@ namespace Tarvix::Tool {
 
 namespace {
 
-/// Tells GTKWave how to show the waveform.
-void WriteSaveFile(const std::string& VCDFile)
+std::optional<OutputFile> OpenIfNamed(const std::string& Path)
 {
-    const std::filesystem::path Path(VCDFile);
-    OutputFile File(std::filesystem::path(Path).replace_extension(".gtkw").string());
-    File.Write(Pellumo::GTKWaveSaveFile(std::filesystem::absolute(Path).string()));
-    File.Close();
+    return Path.empty() ? std::nullopt : std::optional<OutputFile>(Path);
+}
+
+/// Begins what is written into `File`, if there is one.
+template <typename Contents>
+void Begin(std::optional<Contents>& Written, std::optional<OutputFile>& File)
+{
+    if (File) {
+        File->Empty();
+        Written.emplace(std::move(*File));
+    }
+}
+
+/// Tells GTKWave how to show the waveform, unless the user has kept a view already.
+void WriteSaveFile(const std::filesystem::path& VCDFile)
+{
+    const auto Path = std::filesystem::path(VCDFile).replace_extension(".gtkw");
+    std::error_code Failure;
+    if (!std::filesystem::exists(Path, Failure)) {
+        OutputFile File(Path.string());
+        File.Write(Pellumo::GTKWaveSaveFile(std::filesystem::absolute(VCDFile).string()));
+        File.Close();
+    }
 }
 
 } // namespace
 
 BusFiles::BusFiles(const BusOptions& Options)
 {
-    if (!Options.VCDFile.empty()) {
-        VCD_.emplace(Options.VCDFile);
+    auto VCD = OpenIfNamed(Options.VCDFile);
+    auto SVG = OpenIfNamed(Options.SVGFile);
+    auto Record = OpenIfNamed(Options.RecordFile);
+    if (VCD && VCD->IsRegular()) {
         WriteSaveFile(Options.VCDFile);
     }
-    if (!Options.SVGFile.empty()) {
-        SVG_.emplace(Options.SVGFile);
-    }
-    if (!Options.RecordFile.empty()) {
-        Record_.emplace(Options.RecordFile);
-    }
+    Begin(VCD_, VCD);
+    Begin(SVG_, SVG);
+    Begin(Record_, Record);
 }
 
 void BusFiles::ListenTo(Pellumo::Recorder& Recorder)

@@ -11,6 +11,7 @@
 
 #include <optional>
 #include <string>
+#include <utility>
 
 namespace Tarvix::Tool {
 
@@ -19,7 +20,8 @@ namespace Tarvix::Tool {
 template <typename Writer>
 class SampleFile final : public Pellumo::SampleListener {
 public:
-    explicit SampleFile(const std::string& Path) : File_(Path), Writer_(File_.Stream()) {}
+    /// Begins the file, which must be empty.
+    explicit SampleFile(OutputFile File) : File_(std::move(File)), Writer_(File_.Stream()) {}
 
     void OnStream(const Pellumo::SampleStream& Stream) override
     {
@@ -42,7 +44,7 @@ private:
 /// The operation log as a file.
 class RecordFile final : public icLog {
 public:
-    explicit RecordFile(const std::string& Path) : File_(Path) {}
+    explicit RecordFile(OutputFile File) : File_(std::move(File)) {}
 
     void LogEntry(std::string_view LINScript) override { File_.Write(LINScript); }
 
@@ -56,8 +58,8 @@ private:
 /// The files that the options ask for.
 class BusFiles {
 public:
-    /// Creates the files.
-    /// @throws ProgramFailure  WrongUsage when one cannot be created
+    /// Creates the files. What earlier ones held stays unless all can be written.
+    /// @throws ProgramFailure  WrongUsage when one cannot be written
     explicit BusFiles(const BusOptions& Options);
 
     /// Lets the files of samples see what passes `Recorder`.

@@ -3,11 +3,19 @@
 #include "pellumo/OpenDevice.h"
 #include "tools/tarvix/FrameFailure.h"
 
+#include <algorithm>
 #include <csignal>
+#include <string_view>
 
 namespace Tarvix::Tool {
 
 namespace {
+
+struct LogLines final : icLog {
+    void LogEntry(std::string_view LINScript) override { Lines.emplace_back(LINScript); }
+
+    std::vector<std::string> Lines;
+};
 
 std::unique_ptr<FramePrinter> MakePrinter(const BusOptions& Options, bool Scan, bool Colour)
 {
@@ -34,10 +42,10 @@ ProgramFailure EndedBy(ExitStatus Status, const std::string& What, const Error& 
 BusSession::BusSession(const BusOptions& Options, bool Scan)
     : Output_(Options.Quiet), Printer_(MakePrinter(Options, Scan, Output_.Colour())),
       Frames_([this](const FrameReport& Frame) { Print(Frame); }),
-      Decoder_([this](const Pellumo::BusEvent& Event) { Frames_.OnEvent(Event); }), Files_(Options)
+      Decoder_([this](const Pellumo::BusEvent& Event) { Frames_.OnEvent(Event); })
 {
     OpenDevice(Options.Device);
-    Configure(Options);
+    CreateFiles(Options, Configure(Options));
 }
 
 void BusSession::OpenDevice(const std::string& URL)
@@ -53,13 +61,13 @@ void BusSession::OpenDevice(const std::string& URL)
     if (URL.starts_with("sim:")) {
         Output_.Note("The bus is simulated (" + URL + "); use -d to name a real device.");
     }
-    Files_.ListenTo(*Recorder_);
-    Recorder_->AddListener(Decoder_);
 }
 
-void BusSession::Configure(const BusOptions& Options)
+/// @return what was logged of it, for a file that is still to be created
+std::vector<std::string> BusSession::Configure(const BusOptions& Options)
 {
-    Master_.Log(Files_.Record());
+    LogLines Log;
+    Master_.Log(&Log);
     try {
         Master_.BaudrateBd(Options.BitRate);
         if (Options.BreakWidth) {
@@ -70,6 +78,19 @@ void BusSession::Configure(const BusOptions& Options)
         }
     } catch (const Error& Failure) {
         throw EndedBy(SomethingFailed, "The bus cannot be set up: ", Failure);
+    }
+    Master_.Log(nullptr);
+    return Log.Lines;
+}
+
+void BusSession::CreateFiles(const BusOptions& Options, const std::vector<std::string>& Logged)
+{
+    Files_.emplace(Options);
+    Files_->ListenTo(*Recorder_);
+    Recorder_->AddListener(Decoder_);
+    if (icLog* const Record = Files_->Record()) {
+        std::ranges::for_each(Logged, [Record](const std::string& Line) { Record->LogEntry(Line); });
+        Master_.Log(Record);
     }
 }
 
@@ -88,7 +109,7 @@ void BusSession::Finish()
     } catch (const Error& Failure) {
         throw EndedBy(SomethingFailed, "The device did not close properly: ", Failure);
     }
-    Files_.Finish();
+    Files_->Finish();
 }
 
 int WithBus(const BusOptions& Options, bool Scan, const std::function<ExitStatus(BusSession&)>& Work)

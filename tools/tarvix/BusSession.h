@@ -16,6 +16,9 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
+#include <string>
+#include <vector>
 
 namespace Tarvix::Tool {
 
@@ -23,8 +26,9 @@ namespace Tarvix::Tool {
 /// tells the files and the frame monitor of everything that was on the bus.
 class BusSession {
 public:
-    /// Creates the files, opens the device and configures the master.
-    /// @throws ProgramFailure  WrongUsage for a file, NoDevice for the device, SomethingFailed for the configuration
+    /// Opens the device, configures the master and creates the files, in this order: a run that cannot begin destroys
+    /// no file of an earlier one.
+    /// @throws ProgramFailure  NoDevice for the device, SomethingFailed for the configuration, WrongUsage for a file
     BusSession(const BusOptions& Options, bool Scan);
 
     clsLIN& Master() noexcept { return Master_; }
@@ -39,7 +43,8 @@ public:
 
 private:
     void OpenDevice(const std::string& URL);
-    void Configure(const BusOptions& Options);
+    std::vector<std::string> Configure(const BusOptions& Options);
+    void CreateFiles(const BusOptions& Options, const std::vector<std::string>& Logged);
 
     Console Output_;
     std::unique_ptr<FramePrinter> Printer_;
@@ -47,7 +52,7 @@ private:
 
     FrameMonitor Frames_;
     Pellumo::FrameDecoder Decoder_;
-    BusFiles Files_;
+    std::optional<BusFiles> Files_;
 
     InterruptGuard Interrupts_;
     std::unique_ptr<FTDIMPSSE> Device_;

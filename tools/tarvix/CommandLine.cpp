@@ -108,9 +108,17 @@ auto OneOf(const std::array<std::pair<const char*, Value>, Count>& Choices)
     };
 }
 
+constexpr std::array<std::string_view, 3> PrintOnly = {"-h", "--help", "--version"};
+
 constexpr std::array Formats = {std::pair{"table", OutputFormat::Table}, std::pair{"json", OutputFormat::JSON},
                                 std::pair{"candump", OutputFormat::Candump}};
 constexpr std::array ChecksumModels = {std::pair{"classic", elcLIN13}, std::pair{"enhanced", elcLIN20}};
+
+void AddFile(CLI::App& App, const char* Name, std::string& File, const char* Help)
+{
+    const auto IsNamed = [](const std::string& Path) { return Path.empty() ? "The file's name is empty." : ""; };
+    App.add_option(Name, File, Help)->type_name("FILE")->check(CLI::Validator(IsNamed, ""));
+}
 
 void AddBusOptions(CLI::App& App, BusOptions& Bus)
 {
@@ -126,11 +134,9 @@ void AddBusOptions(CLI::App& App, BusOptions& Bus)
     AddValue(App, "--checksum", Bus.ChecksumModel, OneOf(ChecksumModels), "Checksum model: classic or enhanced")
         ->type_name("MODEL")
         ->default_str("enhanced");
-    App.add_option("--vcd", Bus.VCDFile, "Write the waveform as a VCD file, and a GTKWave save file beside it")
-        ->type_name("FILE");
-    App.add_option("--svg", Bus.SVGFile, "Write a picture of the frames")->type_name("FILE");
-    App.add_option("--record", Bus.RecordFile, "Write the operation log, a script that can be run again")
-        ->type_name("FILE");
+    AddFile(App, "--vcd", Bus.VCDFile, "Write the waveform as a VCD file, and a GTKWave save file beside it");
+    AddFile(App, "--svg", Bus.SVGFile, "Write a picture of the frames");
+    AddFile(App, "--record", Bus.RecordFile, "Write the operation log, a script that can be run again");
     AddValue(App, "--format", Bus.Format, OneOf(Formats), "Output: table, json or candump")
         ->type_name("FORMAT")
         ->default_str("table");
@@ -164,6 +170,9 @@ public:
 
     Command Parse(std::vector<std::string> Arguments)
     {
+        if (!Arguments.empty() && std::ranges::find(PrintOnly, Arguments.front()) != PrintOnly.end()) {
+            Arguments.resize(1); // a command behind it need not be complete
+        }
         try {
             std::reverse(Arguments.begin(), Arguments.end()); // as CLI11 wants them
             App_.parse(std::move(Arguments));

@@ -16,7 +16,8 @@ struct FileClash {
     std::string Problem; ///< in whole sentences, what to do included
 };
 
-/// The first output file that is also a script, the bus file or another output; however its path is spelled.
+/// The first output file that is also a script, the bus file, the standard output or another output; whatever path
+/// leads to it.
 /// @param Scripts  paths; "-" is the standard input
 std::optional<FileClash> FindFileClash(const BusOptions& Bus, std::span<const std::string> Scripts = {});
 

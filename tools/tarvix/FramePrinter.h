@@ -35,8 +35,8 @@ std::unique_ptr<FramePrinter> MakeTable(const TableContents& Contents);
 /// @param Timing  adds the "timing" object to answers
 std::unique_ptr<FramePrinter> MakeJSONLines(bool Timing);
 
-/// Log lines as CAN tools read them: "(0.012345) lin0 3D#1234"; a header that nobody answered is a remote request,
-/// "3D#R".
+/// Log lines as CAN tools read them: "(0.012345) lin0 3D#1234"; a header after which not one byte could be
+/// received is a remote request, "3D#R".
 std::unique_ptr<FramePrinter> MakeCandumpLines();
 
 } // namespace Tarvix::Tool

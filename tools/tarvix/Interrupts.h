@@ -2,6 +2,7 @@
 /// Ends a run between two frames when the user or the system asks for it.
 #pragma once
 
+#include <array>
 #include <csignal>
 
 namespace Tarvix::Tool {
@@ -11,8 +12,8 @@ struct Interrupted {
     int Signal; ///< that asked for it
 };
 
-/// While it lives, SIGINT and SIGTERM are remembered instead of ending the program at once, each for the first time
-/// only: a second one kills. One instance at a time.
+/// While it lives, SIGHUP, SIGINT and SIGTERM are remembered instead of ending the program at once, each for the first
+/// time only: a second one kills. One that is ignored stays so (nohup). One instance at a time.
 class InterruptGuard {
 public:
     InterruptGuard() noexcept;
@@ -21,8 +22,9 @@ public:
     InterruptGuard& operator=(const InterruptGuard&) = delete;
 
 private:
-    struct sigaction OldInterrupt_ {};
-    struct sigaction OldTerminate_ {};
+    static constexpr std::array Signals = {SIGHUP, SIGINT, SIGTERM};
+
+    std::array<struct sigaction, Signals.size()> Old_{};
 };
 
 /// @throws Interrupted  when a signal has come since the guard was set up

@@ -12,9 +12,16 @@ namespace Tarvix::Tool {
 /// A file whose failures are not overlooked.
 class OutputFile {
 public:
-    /// Creates the file, or empties it.
+    /// Opens the file, or creates it; what it holds is not touched yet.
     /// @throws ProgramFailure  WrongUsage when that cannot be done
     explicit OutputFile(std::string Path);
+
+    /// Throws away what the file held.
+    /// @throws ProgramFailure  WrongUsage when that cannot be done
+    void Empty();
+
+    /// False for pipes and devices.
+    bool IsRegular() const;
 
     /// Where others write; call `Check` after them.
     std::ostream& Stream() noexcept { return Stream_; }

@@ -2,6 +2,9 @@
 #include "tools/tarvix/Console.h"
 #include "tools/tarvix/Interrupts.h"
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <csignal>
 #include <exception>
 
@@ -25,10 +28,24 @@ int Run(std::vector<std::string> Arguments)
     }
 }
 
+/// A standard stream that is closed leaves its number to the next file that is opened, and its texts with it. It is
+/// occupied the wrong way round instead: using it fails, as it should.
+void OccupyClosedStreams()
+{
+    // NOLINTBEGIN(cppcoreguidelines-pro-type-vararg): declared so
+    for (const int Number : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        if (fcntl(Number, F_GETFD) < 0) {
+            open("/dev/null", Number == STDIN_FILENO ? O_WRONLY : O_RDONLY);
+        }
+    }
+    // NOLINTEND(cppcoreguidelines-pro-type-vararg)
+}
+
 } // namespace
 
 int main(int Count, char** Arguments)
 {
+    OccupyClosedStreams();
     // A reader that has gone is noticed when a line is printed; files are completed then, and the bus is left in order.
     static_cast<void>(std::signal(SIGPIPE, SIG_IGN));
     return Run({Arguments + 1, Arguments + Count});

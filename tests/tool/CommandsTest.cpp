@@ -191,6 +191,24 @@ TEST(Scan, TellsFaultyAnswersToo)
                                                  "0x03 10 neither false", "0x3C 2 classic true"}));
 }
 
+TEST(NoEcho, IsToldApartFromSilence)
+{
+    const TemporaryDirectory Directory;
+    const std::string Deaf = "sim:" + Directory.Write("deaf.toml", "[[fault]]\nkind = \"missing_echo\"\n");
+    const std::string Empty = "sim:" + Directory.Write("empty.toml", "");
+    const std::string Complaint = "tarvix: Not even what was sent came back from the bus: check the transceiver's ";
+    for (const auto& Arguments : std::vector<std::vector<std::string>>{{"read", "3E", "2", "-d"}, {"scan", "-d"}}) {
+        const auto On = [&Arguments](const std::string& Device) {
+            std::vector<std::string> All = Arguments;
+            All.push_back(Device);
+            return RunQuietly(All);
+        };
+        EXPECT_EQ(On(Empty).Error.find(Complaint), std::string::npos) << Arguments[0];
+        EXPECT_NE(On(Deaf).Error.find(Complaint), std::string::npos) << Arguments[0];
+        EXPECT_EQ(On(Deaf).Status, 1) << Arguments[0];
+    }
+}
+
 TEST(Scan, AnEmptyBusIsNoFailure)
 {
     const TemporaryDirectory Directory;

@@ -88,6 +88,25 @@ TEST_F(FrameMonitorTest, AResponseThatBreaksOffHasNoChecksum)
     EXPECT_FALSE(Seen_[0].Checksum);
 }
 
+TEST_F(FrameMonitorTest, HearsNothingWhenEverythingStaysRecessive)
+{
+    const std::array<std::uint8_t, 2> Recessive = {0xFF, 0xFF};
+    const std::array<std::uint8_t, 2> OneSample = {0xFF, 0x7F};
+    const auto Write = [this](std::span<const std::uint8_t> Rx) {
+        Pellumo::BusEvent Event;
+        Event.Kind = Pellumo::BusEventKind::Write;
+        Event.Stream.Rx = Rx;
+        Monitor_.OnEvent(Event);
+    };
+    Other(Pellumo::BusEventKind::Wait);
+    EXPECT_FALSE(Monitor_.HearsNothing()) << "nothing that could come back";
+    Write(Recessive);
+    EXPECT_TRUE(Monitor_.HearsNothing());
+    Write(OneSample);
+    Write(Recessive);
+    EXPECT_FALSE(Monitor_.HearsNothing());
+}
+
 struct BlameCase {
     std::string Name;
     std::uint32_t Number;

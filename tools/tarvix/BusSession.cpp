@@ -124,6 +124,11 @@ int WithBus(const BusOptions& Options, bool Scan, const std::function<ExitStatus
         }
         Status = AfterSignal + Request.Signal;
     }
+    if (Session.Frames().HearsNothing()) {
+        Session.Output().Complain("Not even what was sent came back from the bus: check the transceiver's supply and "
+                                  "enable pin, and the wires at its TXD and RXD.");
+        Status = Status == AllWell ? SomethingFailed : Status;
+    }
     Session.Finish();
     return Status;
 }

@@ -2,6 +2,8 @@
 
 #include "tools/tarvix/FrameFailure.h"
 
+#include <algorithm>
+
 namespace Tarvix::Tool {
 
 namespace {
@@ -31,6 +33,11 @@ FrameReport ReportOf(const Pellumo::BusEvent& Event)
     return Report;
 }
 
+bool HasDominantSamples(std::span<const std::uint8_t> Samples)
+{
+    return std::ranges::any_of(Samples, [](std::uint8_t Eight) { return Eight != 0xFF; });
+}
+
 } // namespace
 
 void FrameMonitor::OnEvent(const Pellumo::BusEvent& Event)
@@ -38,6 +45,8 @@ void FrameMonitor::OnEvent(const Pellumo::BusEvent& Event)
     Settle();
     if (Event.Kind == Pellumo::BusEventKind::Write || Event.Kind == Pellumo::BusEventKind::Read) {
         Waiting_ = ReportOf(Event);
+        Sent_ = true;
+        Heard_ = Heard_ || HasDominantSamples(Event.Stream.Rx);
     }
 }
 

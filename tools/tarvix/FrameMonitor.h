@@ -33,9 +33,14 @@ public:
     /// Takes the waiting frame away unreported.
     std::optional<FrameReport> Take() { return std::exchange(Waiting_, std::nullopt); }
 
+    /// True when frames were sent and the bus stayed recessive in all of them: not even a break came back.
+    bool HearsNothing() const noexcept { return Sent_ && !Heard_; }
+
 private:
     Receiver OnFrame_;
     std::optional<FrameReport> Waiting_;
+    bool Sent_ = false;
+    bool Heard_ = false;
 };
 
 } // namespace Tarvix::Tool

@@ -1,4 +1,4 @@
-// The scan of buses on which every identifier answers.
+// The scan of buses on which every identifier answers, and none.
 
 #include "tests/tool/Program.h"
 
@@ -8,6 +8,7 @@
 #include <sstream>
 #include <string>
 #include <tuple>
+#include <vector>
 
 namespace Tarvix::Testing {
 namespace {
@@ -61,6 +62,33 @@ TEST_P(FullBus, IsListedWhole)
         EXPECT_EQ(Frame["data"], Counting(Identifier, Length)) << Line;
     }
     EXPECT_EQ(Identifier, Identifiers);
+}
+
+TEST(NoEcho, IsToldApartFromSilence)
+{
+    const TemporaryDirectory Directory;
+    const std::string Deaf = "sim:" + Directory.Write("deaf.toml", "[[fault]]\nkind = \"missing_echo\"\n");
+    const std::string Empty = "sim:" + Directory.Write("empty.toml", "");
+    const std::string Complaint = "tarvix: Not even what was sent came back from the bus: check the transceiver's ";
+    for (const auto& Arguments : std::vector<std::vector<std::string>>{{"read", "3E", "2", "-d"}, {"scan", "-d"}}) {
+        const auto On = [&Arguments](const std::string& Device) {
+            std::vector<std::string> All = Arguments;
+            All.push_back(Device);
+            return RunQuietly(All);
+        };
+        EXPECT_EQ(On(Empty).Error.find(Complaint), std::string::npos) << Arguments[0];
+        EXPECT_NE(On(Deaf).Error.find(Complaint), std::string::npos) << Arguments[0];
+        EXPECT_EQ(On(Deaf).Status, 1) << Arguments[0];
+    }
+}
+
+TEST(Scan, AnEmptyBusIsNoFailure)
+{
+    const TemporaryDirectory Directory;
+    const Outcome Result = RunProgram({"scan", "-d", "sim:" + Directory.Write("empty.toml", "")});
+    EXPECT_EQ(Result.Status, 0);
+    EXPECT_EQ(Result.Out, "");
+    EXPECT_NE(Result.Error.find("0 of 64 identifiers answered. Check"), std::string::npos);
 }
 
 } // namespace

@@ -221,10 +221,10 @@ private:
     {
         const auto [App, Write] = AddBusCommand<WriteArguments>("write", "Send one frame", WriteExamples);
         AddValue(App, "ID", Write.Identifier, ParseIdentifier, "Frame identifier 00..3F, hexadecimal")->required();
-        AddValues(App, "BYTE", Write.Data, ParseByte, "Data bytes, hexadecimal, 1 to 8 of them");
+        AddValues(App, "BYTE", Write.Data, ParseByte, "Data bytes, hexadecimal, 1 to 8 of them")->required();
         App.parse_complete_callback([&Write = Write] {
             RefuseFileClashes(Write.Bus);
-            if (Write.Data.empty() || Write.Data.size() > 8) {
+            if (Write.Data.size() > 8) {
                 throw CLI::ValidationError(
                     "BYTE", std::to_string(Write.Data.size()).append(" data bytes are given; a frame carries 1 to 8."));
             }

@@ -124,7 +124,7 @@ TEST(EmulatedTransport, LetsTheChipGoWhenItIsClosed)
     Pipe.Close();
     EXPECT_EQ(Chip.use_count(), 1);
     const Failure Closed{static_cast<std::uint32_t>(errPellumo::errClosed), "EmulatedTransport",
-                         "sim:: the device has been closed. Open it again to go on"};
+                         "sim: the device has been closed. Open it again to go on"};
     EXPECT_EQ(FailureOf([&] { Pipe.Transfer({}, {}, 1s); }), Closed);
     EXPECT_EQ(FailureOf([&] { Pipe.Purge(); }), Closed);
 }

@@ -15,8 +15,9 @@ namespace py = pybind11;
 
 /// The base of such an object.
 ///
-/// Locks are taken in this order: the object's turn first, then Python's global lock; nobody waits for a turn with the
-/// global lock in hand. What the object holds is changed with both of them.
+/// Locks are taken in this order: a master's turn, an interpreter's, Python's global lock. For a log runs in its
+/// master's turn and may use an interpreter, and nobody waits for a turn with the global lock in hand. What the object
+/// holds is read and changed with the global lock.
 class Guarded {
 public:
     Guarded() = default;

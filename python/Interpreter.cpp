@@ -21,6 +21,8 @@ public:
     /// Each is to be called within a `Turn`.
     void Initialize(Master& LIN);
     void Terminate();
+
+    /// Takes its turns by itself.
     void ExecuteScript(std::u16string_view Script);
 
     /// The progress handler, or None.
@@ -29,6 +31,7 @@ public:
 
 private:
     std::array<py::object*, 2> Held() noexcept override { return {&LIN_, &Handler_}; }
+    bool ExecutesWithItsMaster(std::u16string_view Script);
 
     py::object LIN_ = py::none();
     py::object Handler_ = py::none();
@@ -65,18 +68,31 @@ void Interpreter::SetHandler(std::optional<py::function> Value)
     Handler_ = Value ? py::object(std::move(*Value)) : py::none();
 }
 
-// The run keeps the master and the handler with which it starts; it has the master alone, too.
 void Interpreter::ExecuteScript(std::u16string_view Script)
 {
-    const py::gil_scoped_acquire Locked;
-    const py::object LIN = LIN_;
-    const py::object Handler = Handler_;
-    auto* const Attached = LIN.is_none() ? nullptr : LIN.cast<Master*>();
+    while (!ExecutesWithItsMaster(Script)) {
+        // another thread has attached another master meanwhile
+    }
+}
 
+// The run keeps the master and the handler with which it starts, and has both the master and the interpreter alone.
+bool Interpreter::ExecutesWithItsMaster(std::u16string_view Script)
+{
+    const py::object LIN = LIN_;
+    auto* const Attached = LIN.is_none() ? nullptr : LIN.cast<Master*>();
     const py::gil_scoped_release Unlocked;
     const Lock MasterAlone = Attached != nullptr ? Attached->Alone() : Lock();
+    const Lock Mine = Alone();
+
+    const py::gil_scoped_acquire Locked;
+    if (!LIN.is(LIN_)) {
+        return false;
+    }
+    const py::object Handler = Handler_;
+    const py::gil_scoped_release UnlockedAgain;
     ExecutionProgress = [&Handler](std::int32_t CodePos) { ReportProgress(Handler, CodePos); };
     clsLINScriptInterpreter::ExecuteScript(Script);
+    return true;
 }
 
 // A log written in Python.
@@ -131,7 +147,7 @@ void BindInterpreter(py::module_& Module)
         .def("Initialize", Doing<Interpreter>(&Interpreter::Initialize), "LIN"_a,
              "Attaches the master and keeps it alive; replaces an earlier one.")
         .def(
-            "ExecuteScript", Doing<Interpreter>(&Interpreter::ExecuteScript), "Script"_a,
+            "ExecuteScript", &Interpreter::ExecuteScript, "Script"_a,
             "Runs a script. Raises Error with a number of errLINScriptInterpreter, errNotAttached at a command without "
             "a master, errInvalidArgument when called from the progress handler of the same interpreter, and "
             "everything that the master raises.")

@@ -128,6 +128,26 @@ def run_script(master):
     interpreter.ExecuteScript("BREAK_WIDTH 14;")
 
 
+def test_log_may_use_an_interpreter_that_waits_for_the_master(master, interpreter, no_forced_switches):
+    """The other thread is in its log, in the master's turn, when this one begins a script."""
+    inside, script_begins, positions = threading.Event(), threading.Event(), []
+
+    class AskingLog(tarvix.icLog):
+        def LogEntry(self, LINScript):
+            inside.set()
+            script_begins.wait()
+            positions.append(interpreter.CodePos)
+
+    master.Log = AskingLog()
+    thread = threading.Thread(target=master.GenerateBreak)
+    thread.start()
+    inside.wait()
+    script_begins.set()
+    interpreter.ExecuteScript("BREAK_WIDTH 14;")
+    thread.join()
+    assert positions == [0, 16]
+
+
 @pytest.mark.parametrize("use", [lambda master: master.BreakWidth, tarvix.clsLIN.GenerateBreak, run_script])
 def test_thread_that_waits_for_its_turn_lets_the_others_run(no_forced_switches, use):
     """This thread waits for a master whose device waits for a third thread, which can run only now."""

@@ -25,8 +25,9 @@ clsLIN::~clsLIN() = default;
 
 void clsLIN::Initialize(FTDIMPSSE& Device)
 {
+    clsLINViaFTDIMPSSE& Attaching = Engine(); // a terminated master takes no device
     Device_ = &Device;
-    Engine().AttachDevice(Device);
+    Attaching.AttachDevice(Device);
 }
 
 float clsLIN::BaudrateTbit() const

@@ -54,6 +54,7 @@ public:
 
     /// Attaches the device and sets up its pins and mode. It is held, not owned: it must outlive the master or its
     /// `Terminate`. May be called again with another device. When the set-up fails, the device stays attached.
+    /// @throws Error  errNotAttached after `Terminate`: for another use make a new master
     void Initialize(FTDIMPSSE& Device);
 
     // -- configuration
@@ -64,13 +65,14 @@ public:
     void Log(icLog* Value) noexcept { Log_ = Value; }
 
     /// Seconds per bit as the device really achieves it; 0 before a bit rate was set.
+    /// @throws Error  errNotAttached after `Terminate`
     float BaudrateTbit() const;
     /// Sets the bit time and logs it.
     /// @param Value   seconds per bit; what the device cannot do, it refuses
     /// @throws Error  errDivisionByZero for 0 and for what becomes 0 when divided by 8
     void BaudrateTbit(float Value);
     /// Bits per second as the device really achieves them, rounded half to even.
-    /// @throws Error  errDivisionByZero before a bit rate was set, errOverflow
+    /// @throws Error  errDivisionByZero before a bit rate was set, errOverflow, errNotAttached after `Terminate`
     std::int32_t BaudrateBd() const;
     /// Sets the bit rate and logs it.
     /// @param Value   bits per second
@@ -169,9 +171,9 @@ public:
     /// The protected identifier of `ID`: bits 0 to 5 kept, the parity bits P0 and P1 in bits 6 and 7.
     static std::uint8_t ComputeIDParity(std::uint8_t ID) noexcept;
 
-    /// Ends the use of the bus: releases the engine, closes the device, drops the device and the log. The configuration
-    /// and the last frame stay readable. A second call does nothing. When closing fails, device and log stay attached,
-    /// so that it can be called again.
+    /// Ends the use of the bus: releases the engine, closes the device, drops the device and the log. The
+    /// configuration, all but the bit rate, and the last frame stay readable. A second call does nothing. When closing
+    /// fails, device and log stay attached, so that it can be called again.
     void Terminate();
 
 private:

@@ -144,6 +144,9 @@ TEST(Master, NeedsADeviceBeforeAndAnEngineAfter)
     ExpectNotAttached();
     EXPECT_EQ(FailureOf([&] { Master.BaudrateBd(); }), NotAttached);
     EXPECT_EQ(FailureOf([&] { Master.Initialize(Device); }), NotAttached);
+    Device.Calls.clear();
+    Master.Terminate();
+    EXPECT_TRUE(Device.Calls.empty()) << "the refused device is not closed";
 }
 
 TEST(Master, TerminateClosesOnceAndDestructionNever)

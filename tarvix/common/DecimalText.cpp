@@ -71,6 +71,9 @@ bool IsDecimalNumber(std::string_view Text) noexcept
 
 double DecimalToReal(std::string_view Text)
 {
+    if (!IsDecimalNumber(Text)) {
+        Raise(errGeneral::errTypeMismatch);
+    }
     const DefaultFloatingPoint Guard;
     double Value = 0.0;
     const auto Result = std::from_chars(Text.data(), Text.data() + Text.size(), Value);

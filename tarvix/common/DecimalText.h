@@ -10,8 +10,8 @@ namespace Tarvix {
 /// optional sign, digits), at least one digit before the exponent.
 bool IsDecimalNumber(std::string_view Text) noexcept;
 
-/// The 64-bit float nearest to `Text`, a number that `IsDecimalNumber` accepts; one too small for any becomes 0.
-/// @throws Error  errOverflow beyond the 64-bit float range
+/// The 64-bit float nearest to the unsigned decimal number `Text`; one too small for any becomes 0.
+/// @throws Error  errTypeMismatch when `IsDecimalNumber` does not accept it, errOverflow beyond the 64-bit float range
 double DecimalToReal(std::string_view Text);
 
 } // namespace Tarvix

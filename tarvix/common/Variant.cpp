@@ -42,9 +42,6 @@ double NumberFrom(std::string_view Text)
     const bool Signed = Number.starts_with('+') || Number.starts_with('-');
     const bool Negative = Number.starts_with('-');
     Number.remove_prefix(Signed ? 1 : 0);
-    if (!IsDecimalNumber(Number)) {
-        Raise(errGeneral::errTypeMismatch);
-    }
     const double Magnitude = DecimalToReal(Number);
     return Negative ? -Magnitude : Magnitude;
 }

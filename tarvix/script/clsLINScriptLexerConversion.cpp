@@ -100,14 +100,6 @@ char NarrowToASCII(char16_t Unit) noexcept
     return Unit < 0x80 ? static_cast<char>(Unit) : '?';
 }
 
-double NumberFrom(std::string_view Text)
-{
-    if (!IsDecimalNumber(Text)) {
-        Raise(errGeneral::errTypeMismatch);
-    }
-    return DecimalToReal(Text);
-}
-
 } // namespace
 
 // The conversions belong to the lexer's interface although none of them needs the state of a scan.
@@ -139,11 +131,11 @@ double clsLINScriptLexer::TokenToNumberReal(std::u16string_view TokenValue) cons
     std::array<char, 64> Short{}; // holds any number that a person writes
     if (TokenValue.size() <= Short.size()) {
         std::transform(TokenValue.begin(), TokenValue.end(), Short.begin(), NarrowToASCII);
-        return NumberFrom({Short.data(), TokenValue.size()});
+        return DecimalToReal({Short.data(), TokenValue.size()});
     }
     std::string Long(TokenValue.size(), '\0');
     std::transform(TokenValue.begin(), TokenValue.end(), Long.begin(), NarrowToASCII);
-    return NumberFrom(Long);
+    return DecimalToReal(Long);
 }
 
 void clsLINScriptLexer::TokenToByteStream(std::u16string_view TokenValue, std::int32_t& ResultLength,

@@ -18,7 +18,8 @@ namespace Tarvix {
 ///     1 1 1|0 0 0 0 0 0 0 0|. . . .|. . . .|. . .   ...   . . .|1 1 1 1 1 1 1 1
 ///                  ^start bit   ^bit 0    ^bit 1            ^bit 7     ^stop bit
 ///
-/// All counts and positions are 32-bit; what leaves that range raises errOverflow and changes nothing.
+/// All counts and positions are 32-bit; what leaves that range raises errOverflow. `InitializeData` and `WriteSamples`
+/// change nothing then; what consists of several bits may have done some of them.
 /// Work is done on whole bytes and words; the result is that of the sample-by-sample rules.
 class clsOversamplingBuffer {
 public:

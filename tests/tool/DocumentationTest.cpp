@@ -106,6 +106,14 @@ TEST(Version, IsEverywhere)
     }
 }
 
+TEST(Documentation, CommandsAreThoseOfTheHelp)
+{
+    const std::string Help = RunProgram({"--help"}).Out;
+    const std::size_t Begin = Help.find("Subcommands:");
+    EXPECT_EQ(Matches(Help.substr(Begin, Help.find("Examples:") - Begin), "\n  ([a-z]+) "),
+              Words(Commands.begin(), Commands.end()));
+}
+
 TEST(Documentation, CommandsHaveTheOptionsThatTheyShould)
 {
     const Words Plain = {"-h", "--help", "--version"};

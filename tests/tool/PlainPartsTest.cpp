@@ -62,6 +62,8 @@ TEST(Text, NumbersOfAllSizes)
     EXPECT_EQ(ErrorNumber(-1), "0xFFFFFFFF");
     EXPECT_EQ(ErrorNumber(91), "91");
     EXPECT_EQ(Fixed(0.9999996, 6), "1.000000");
+    EXPECT_EQ(Fixed(-0.0005, 3), "-0.001");
+    EXPECT_EQ(Fixed(-0.0004, 3), "0.000");
     EXPECT_EQ(Fixed(std::numeric_limits<double>::max(), 6).size(), 316U);
 }
 

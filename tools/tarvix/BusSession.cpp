@@ -37,6 +37,17 @@ ProgramFailure EndedBy(ExitStatus Status, const std::string& What, const Error& 
     return {Status, Text};
 }
 
+/// Prints the frame whose operation was over when the end came; nothing more can come of a failure.
+void PrintLast(BusSession& Session)
+{
+    try {
+        Session.Frames().Settle();
+    } catch (const Interrupted&) { // the reader has gone, too
+    } catch (const ProgramFailure& Failure) {
+        Session.Output().Complain(Failure.what());
+    }
+}
+
 } // namespace
 
 BusSession::BusSession(const BusOptions& Options, bool Scan)
@@ -119,10 +130,13 @@ int WithBus(const BusOptions& Options, bool Scan, const std::function<ExitStatus
     try {
         Status = Work(Session);
     } catch (const Interrupted& Request) {
-        if (Request.Signal != SIGPIPE) {
-            Session.Frames().Settle(); // the end came before the next operation
-        }
         Status = AfterSignal + Request.Signal;
+        if (Request.Signal != SIGPIPE) {
+            PrintLast(Session);
+        }
+    } catch (const ProgramFailure& Failure) {
+        Session.Output().Complain(Failure.what());
+        Status = Failure.Status();
     }
     if (Session.Frames().HearsNothing()) {
         Session.Output().Complain("Not even what was sent came back from the bus: check the transceiver's supply and "

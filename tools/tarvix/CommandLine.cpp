@@ -9,7 +9,7 @@
 #include <algorithm>
 #include <array>
 #include <memory>
-#include <span>
+#include <optional>
 #include <sstream>
 #include <string_view>
 #include <utility>
@@ -145,9 +145,20 @@ void AddBusOptions(CLI::App& App, BusOptions& Bus)
 }
 
 /// No file may be overwritten by another's output.
-void RefuseFileClashes(const BusOptions& Bus, std::span<const std::string> Scripts = {})
+void RefuseFileClashes(const Command& Chosen)
 {
-    if (const auto Clash = FindFileClash(Bus, Scripts)) {
+    const auto Clash = std::visit(
+        [](const auto& Arguments) -> std::optional<FileClash> {
+            if constexpr (requires { Arguments.Scripts; }) {
+                return FindFileClash(Arguments.Bus, Arguments.Scripts);
+            } else if constexpr (requires { Arguments.Bus; }) {
+                return FindFileClash(Arguments.Bus);
+            } else {
+                return std::nullopt;
+            }
+        },
+        Chosen);
+    if (Clash) {
         throw CLI::ValidationError(Clash->Option, Clash->Problem);
     }
 }
@@ -179,6 +190,7 @@ public:
             if (!Chosen_) {
                 throw CLI::RequiredError("A command");
             }
+            RefuseFileClashes(*Chosen_);
             return *Chosen_;
         } catch (const CLI::ParseError& End) {
             return Explain(End);
@@ -204,7 +216,6 @@ private:
     {
         const auto [App, Arguments] = Add(Name, Help, Examples, Record{});
         AddBusOptions(App, Arguments.Bus);
-        App.parse_complete_callback([&Bus = Arguments.Bus] { RefuseFileClashes(Bus); });
         return {App, Arguments};
     }
 
@@ -214,7 +225,6 @@ private:
         App.add_option("SCRIPT", Run.Scripts, "Script file in UTF-8 or UTF-16; - is the standard input")
             ->required()
             ->type_name("");
-        App.parse_complete_callback([&Run = Run] { RefuseFileClashes(Run.Bus, Run.Scripts); });
     }
 
     void AddWrite()
@@ -223,7 +233,6 @@ private:
         AddValue(App, "ID", Write.Identifier, ParseIdentifier, "Frame identifier 00..3F, hexadecimal")->required();
         AddValues(App, "BYTE", Write.Data, ParseByte, "Data bytes, hexadecimal, 1 to 8 of them")->required();
         App.parse_complete_callback([&Write = Write] {
-            RefuseFileClashes(Write.Bus);
             if (Write.Data.size() > 8) {
                 throw CLI::ValidationError(
                     "BYTE", std::to_string(Write.Data.size()).append(" data bytes are given; a frame carries 1 to 8."));

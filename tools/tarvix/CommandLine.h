@@ -73,7 +73,7 @@ struct PrintAndExit {
 using Command = std::variant<PrintAndExit, RunArguments, WriteArguments, ReadArguments, ScanArguments, DevicesArguments,
                              IDArguments>;
 
-/// Takes the command line apart. Nothing is opened or looked at.
+/// Takes the command line apart. Nothing is opened; of files it is looked at which names lead to the same one.
 /// @param Arguments  without the program's name
 Command ParseCommandLine(std::vector<std::string> Arguments);
 

@@ -2,7 +2,6 @@
 #include "tools/tarvix/FramePrinter.h"
 #include "tools/tarvix/Text.h"
 
-#include <cmath>
 #include <cstddef>
 #include <string_view>
 #include <vector>
@@ -75,13 +74,9 @@ std::string ClockDeviation(const FrameReport& Frame)
     if (!Frame.Timing || !Frame.Timing->Clock) {
         return Nothing;
     }
-    std::string Percent = Fixed(std::abs(Frame.Timing->Clock->Deviation), 2);
-    const bool IsZero = Percent == "0.00";
-    return std::string(IsZero                                         ? ""
-                       : std::signbit(Frame.Timing->Clock->Deviation) ? "-"
-                                                                      : "+")
-        .append(Percent)
-        .append("%");
+    const std::string Percent = Fixed(Frame.Timing->Clock->Deviation, 2);
+    const bool IsComplete = Percent.starts_with('-') || Percent == "0.00";
+    return std::string(IsComplete ? "" : "+").append(Percent).append("%");
 }
 
 std::string Margin(const FrameReport& Frame)

@@ -58,7 +58,7 @@ bool OutputFile::IsRegular() const
 
 void OutputFile::Check()
 {
-    if (!Stream_) {
+    if (!Stream_ && !std::exchange(Told_, true)) {
         Fail(SomethingFailed, Path_, LastError(), "Make room or choose another place, and run the command again.");
     }
 }

@@ -26,7 +26,8 @@ public:
     /// Where others write; call `Check` after them.
     std::ostream& Stream() noexcept { return Stream_; }
 
-    /// @throws ProgramFailure  SomethingFailed when something could not be written, on a full disk for instance
+    /// @throws ProgramFailure  SomethingFailed when something could not be written, on a full disk for instance; once,
+    ///                         and what is written after that is lost quietly
     void Check();
 
     /// Writes `Text` and checks.
@@ -38,6 +39,7 @@ public:
 private:
     std::string Path_;
     std::ofstream Stream_;
+    bool Told_ = false;
 };
 
 } // namespace Tarvix::Tool

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <charconv>
+#include <cstddef>
 #include <string_view>
 
 namespace Tarvix::Tool {
@@ -49,7 +50,9 @@ std::string Fixed(double Value, int Decimals)
     std::array<char, 400> Buffer{}; // the largest 64-bit float has 309 digits before the point
     const auto End =
         std::to_chars(Buffer.data(), Buffer.data() + Buffer.size(), Value, std::chars_format::fixed, Decimals);
-    return {Buffer.data(), End.ptr};
+    const std::string_view Text(Buffer.data(), static_cast<std::size_t>(End.ptr - Buffer.data()));
+    const bool IsMinusZero = Text.starts_with('-') && Text.find_first_of("123456789") == std::string_view::npos;
+    return std::string(Text.substr(IsMinusZero ? 1 : 0));
 }
 
 } // namespace Tarvix::Tool

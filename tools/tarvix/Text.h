@@ -17,7 +17,7 @@ std::string HexBytes(std::span<const std::uint8_t> Bytes, const char* Separator 
 /// "0x8004C3D1"; small numbers as decimal digits.
 std::string ErrorNumber(std::int32_t Number);
 
-/// `Value` with `Decimals` digits after the point.
+/// `Value` with `Decimals` digits after the point; what is rounded to 0 has no sign.
 std::string Fixed(double Value, int Decimals);
 
 } // namespace Tarvix::Tool

@@ -106,7 +106,7 @@ void SimulatedBus::Clock(std::span<const std::uint8_t> Out, std::span<std::uint8
 
 void SimulatedBus::SetLevel(int /*Level*/) {}
 
-SimulatedBus::Levels SimulatedBus::LevelsWith(int Commander) noexcept
+SimulatedBus::Levels SimulatedBus::LevelsWith(int Commander)
 {
     int Wire = Commander;
     for (const SlaveNode& Node : Nodes_) {

@@ -34,7 +34,7 @@ private:
         int Read;  ///< that the commander reads
     };
 
-    Levels LevelsWith(int Commander) noexcept;
+    Levels LevelsWith(int Commander);
     Tick NextEvent(int OnBus);
     void AdvanceTo(Tick To);
 

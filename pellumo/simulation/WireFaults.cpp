@@ -8,11 +8,11 @@
 
 namespace Pellumo {
 
-WireDisturbance::WireDisturbance(const WireFault& Fault, std::uint64_t Seed) noexcept
+WireDisturbance::WireDisturbance(const WireFault& Fault, std::uint64_t Seed)
     : Fault_(Fault), Seed_(Seed), Threshold_(static_cast<std::uint64_t>(std::ldexp(Fault.Probability, 53)))
 {
     if (!Fault.Place.Frame) {
-        Trigger(0);
+        Trigger(0, 0);
     }
 }
 
@@ -21,30 +21,38 @@ bool WireDisturbance::BelongsHere() const noexcept
     return Fault_.Place.Occurrence == 0 || Fault_.Place.Occurrence == Frames_;
 }
 
-void WireDisturbance::Trigger(std::int64_t Sample) noexcept
+void WireDisturbance::Trigger(std::int64_t Sample, std::int64_t Now)
 {
-    Begin_ = Sample + Fault_.Place.Sample;
-    End_ = Fault_.Length ? Begin_ + *Fault_.Length : NoSample;
+    if (!Stretches_.empty() && Stretches_.back().End == NoSample) {
+        return; // for good already
+    }
+    std::erase_if(Stretches_, [Now](const Stretch& Each) { return Each.End <= Now; });
+    const std::int64_t Begin = Sample + Fault_.Place.Sample;
+    Stretches_.push_back({Begin, Fault_.Length ? Begin + *Fault_.Length : NoSample});
+}
+
+bool WireDisturbance::Covers(std::int64_t Sample) const noexcept
+{
+    return std::ranges::any_of(Stretches_,
+                               [Sample](const Stretch& Each) { return Sample >= Each.Begin && Sample < Each.End; });
 }
 
 bool WireDisturbance::ActsOn(std::int64_t Sample) const noexcept
 {
-    return Sample >= Begin_ && Sample < End_ && (Fault_.Kind != WireFault::Effect::Noise || Inverts(Sample));
+    return Covers(Sample) && (Fault_.Kind != WireFault::Effect::Noise || Inverts(Sample));
 }
 
 std::int64_t WireDisturbance::NextChange(std::int64_t Sample) const noexcept
 {
-    if (Sample < Begin_) {
-        return Begin_;
+    std::int64_t Edge = NoSample;
+    for (const auto& [Begin, End] : Stretches_) {
+        Edge = std::min(Edge, Begin > Sample ? Begin : End > Sample ? End : NoSample);
     }
-    if (Sample >= End_) {
-        return NoSample;
-    }
-    if (Fault_.Kind != WireFault::Effect::Noise) {
-        return End_;
+    if (Fault_.Kind != WireFault::Effect::Noise || !Covers(Sample)) {
+        return Edge;
     }
     constexpr std::int64_t LookAhead = 64;
-    const std::int64_t Last = std::min(Sample + LookAhead, End_);
+    const std::int64_t Last = std::min(Sample + LookAhead, Edge);
     std::int64_t Next = Sample + 1;
     while (Next < Last && !Inverts(Sample) && !Inverts(Next)) {
         ++Next;
@@ -64,7 +72,7 @@ WireFaults::WireFaults(std::span<const WireFault> Faults, std::uint64_t Seed)
     }
 }
 
-void WireFaults::See(int Wire, Tick Now) noexcept
+void WireFaults::See(int Wire, Tick Now)
 {
     if (Wire != Wire_) {
         Wire_ = Wire;
@@ -112,7 +120,7 @@ Tick WireFaults::NextEvent() const noexcept
     return std::min(Change, Receiver_.EndOfIdentifier());
 }
 
-void WireFaults::AdvanceTo(Tick To) noexcept
+void WireFaults::AdvanceTo(Tick To)
 {
     switch (Receiver_.AdvanceTo(To, Wire_)) {
     case FrameReceiver::Heard::Nothing: break;
@@ -122,7 +130,7 @@ void WireFaults::AdvanceTo(Tick To) noexcept
     }
 }
 
-void WireFaults::BeginFrame() noexcept
+void WireFaults::BeginFrame()
 {
     Identifier_ = Receiver_.Value() & 0x3F;
     InResponse_ = ProtectedIdentifier(Identifier_) == Receiver_.Value();
@@ -134,17 +142,17 @@ void WireFaults::BeginFrame() noexcept
         }
         Disturbance.CountFrame();
         if (Disturbance.BelongsHere() && !Place.Byte) {
-            Disturbance.Trigger(Grid_.SampleFrom(Receiver_.EndOfByte()));
+            Disturbance.Trigger(Grid_.SampleFrom(Receiver_.EndOfByte()), Sample_);
         }
     }
 }
 
-void WireFaults::BeginByte(Tick Now) noexcept
+void WireFaults::BeginByte(Tick Now)
 {
     for (WireDisturbance& Disturbance : Disturbances_) {
         const FaultPlace& Place = Disturbance.Fault().Place;
         if (Place.Frame == Identifier_ && Place.Byte == Byte_ && Disturbance.BelongsHere()) {
-            Disturbance.Trigger(Grid_.SampleFrom(Now));
+            Disturbance.Trigger(Grid_.SampleFrom(Now), Sample_);
         }
     }
 }

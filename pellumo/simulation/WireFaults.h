@@ -33,7 +33,7 @@ public:
     static constexpr std::int64_t NoSample = std::numeric_limits<std::int64_t>::max();
 
     /// @param Seed  of its own random sequence
-    WireDisturbance(const WireFault& Fault, std::uint64_t Seed) noexcept;
+    WireDisturbance(const WireFault& Fault, std::uint64_t Seed);
 
     const WireFault& Fault() const noexcept { return Fault_; }
 
@@ -41,21 +41,28 @@ public:
     void CountFrame() noexcept { ++Frames_; }
     /// True when the fault belongs into the frame that began last.
     bool BelongsHere() const noexcept;
-    /// The fault's place is reached: its samples count from `Sample`.
-    void Trigger(std::int64_t Sample) noexcept;
+    /// The fault's place is reached: its samples count from `Sample`. What it does and will do from earlier times goes
+    /// on.
+    /// @param Now  the sample being driven
+    void Trigger(std::int64_t Sample, std::int64_t Now);
 
     bool ActsOn(std::int64_t Sample) const noexcept;
     /// The first sample after `Sample` on which it may act otherwise than on `Sample`; `NoSample` if there is none.
     std::int64_t NextChange(std::int64_t Sample) const noexcept;
 
 private:
+    struct Stretch {
+        std::int64_t Begin;
+        std::int64_t End; // the first sample after it
+    };
+
+    bool Covers(std::int64_t Sample) const noexcept;
     bool Inverts(std::int64_t Sample) const noexcept;
 
     WireFault Fault_;
     std::uint64_t Seed_;
-    std::uint64_t Threshold_; // of 53 random bits
-    std::int64_t Begin_ = NoSample;
-    std::int64_t End_ = NoSample;
+    std::uint64_t Threshold_;        // of 53 random bits
+    std::vector<Stretch> Stretches_; // in the order in which they begin
     std::int32_t Frames_ = 0;
 };
 
@@ -71,7 +78,7 @@ public:
     void BeginStream(const SampleGrid& Grid) noexcept { Grid_ = Grid; }
 
     /// The level that commander and nodes drive together from the current moment on.
-    void See(int Wire, Tick Now) noexcept;
+    void See(int Wire, Tick Now);
     /// What becomes of it on the bus.
     int OnBus() const noexcept;
     /// What the commander reads of the bus.
@@ -80,11 +87,11 @@ public:
     /// The next moment at which one of these levels may change while the wire does not.
     Tick NextEvent() const noexcept;
     /// The wire keeps its level until `To`, which is not beyond `NextEvent`.
-    void AdvanceTo(Tick To) noexcept;
+    void AdvanceTo(Tick To);
 
 private:
-    void BeginFrame() noexcept;
-    void BeginByte(Tick Now) noexcept;
+    void BeginFrame();
+    void BeginByte(Tick Now);
 
     std::vector<WireDisturbance> Disturbances_;
     SampleGrid Grid_;

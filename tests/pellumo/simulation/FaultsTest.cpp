@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <bit>
+#include <iterator>
 #include <numeric>
 
 namespace Pellumo::Testing {
@@ -114,6 +116,33 @@ TEST(WireFaults, FindTheirFrameAndByte)
     for (const PlaceCase& Case : Cases) {
         EXPECT_EQ(Disturbed({{Effect::Noise, Case.Place, 1, 1.0}}, Twice), Case.Samples)
             << Case.Place.Sample << ' ' << Case.Place.Byte.value_or(-1) << ' ' << Case.Place.Occurrence;
+    }
+}
+
+TEST(WireFaults, GoOnWhenTheirFrameComesAgain)
+{
+    const CommanderStream Twice = CommanderStream().Header(Protected3D).Header(Protected3D).Idle(200);
+    struct RepeatCase {
+        const char* What;
+        std::int64_t Sample;
+        std::optional<std::int64_t> Length;
+        std::vector<std::size_t> Samples; // counted from the end of the first header
+    };
+    std::vector<std::size_t> Both = Samples(600, 10);
+    std::ranges::copy(Samples(Header + 600, 10), std::back_inserter(Both));
+    const std::vector<RepeatCase> Cases = {
+        {"both still to come", 600, 10, Both},
+        {"the first goes on while the second begins", 300, 400, Samples(300, Header + 400)},
+        {"for good", 280, std::nullopt, Samples(280, Header + 1600 - 280)},
+    };
+    for (const auto& [What, Sample, Length, Expected] : Cases) {
+        SimulatedBus Bus({.WireFaults = {{Effect::Dominant, {.Frame = 0x3D, .Sample = Sample}, Length}}});
+        const Bytes In = Exchange(Bus, Twice);
+        std::vector<std::size_t> Dominant;
+        for (std::size_t k = FirstDominant(In, 2 * Header); k < In.size() * 8; k = FirstDominant(In, k + 1)) {
+            Dominant.push_back(k - Header);
+        }
+        EXPECT_EQ(Dominant, Expected) << What;
     }
 }
 

@@ -31,7 +31,10 @@ std::optional<std::int32_t> NearestDivisor(double Frequency, bool HighSpeed) noe
     if (!std::isfinite(Frequency) || Frequency <= 0.0) {
         return std::nullopt;
     }
-    const double Divisor = Tarvix::RoundHalfEven(Divide(FastestClock(HighSpeed), Frequency) - 1.0);
+    const Tarvix::DefaultFloatingPoint Guard;
+    const volatile double OnePlusDivisor = Divide(FastestClock(HighSpeed), Frequency);
+    const volatile double Exact = OnePlusDivisor - 1.0;
+    const double Divisor = Tarvix::RoundHalfEven(Exact);
     if (Divisor < 0.0 || Divisor > double{LargestDivisor}) {
         return std::nullopt;
     }

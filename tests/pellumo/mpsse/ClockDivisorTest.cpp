@@ -3,7 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <cfenv>
+#include <cmath>
 #include <limits>
+#include <utility>
 
 namespace Pellumo {
 namespace {
@@ -55,13 +57,15 @@ TEST(ClockDivisor, FrequenciesAreExact)
     EXPECT_EQ(FrequencyOf(65535, false), 91.552734375);
 }
 
-TEST(ClockDivisor, FrequenciesDoNotDependOnTheHostsRoundingMode)
+TEST(ClockDivisor, DoesNotDependOnTheHostsRoundingMode)
 {
-    const double Nearest = FrequencyOf(194, true);
+    const double JustBeyond = std::nextafter(60e6, 61e6);
+    const auto Both = [&] { return std::pair(FrequencyOf(194, true), NearestDivisor(JustBeyond, true)); };
+    const auto Nearest = Both();
     std::fesetround(FE_UPWARD);
-    const double Upward = FrequencyOf(194, true);
+    const auto Upward = Both();
     std::fesetround(FE_DOWNWARD);
-    const double Downward = FrequencyOf(194, true);
+    const auto Downward = Both();
     std::fesetround(FE_TONEAREST);
     EXPECT_EQ(Upward, Nearest);
     EXPECT_EQ(Downward, Nearest);

@@ -139,6 +139,19 @@ std::string_view LineOf(std::string_view Text, std::size_t Number)
     return Text.substr(0, Text.find('\n'));
 }
 
+/// True when a letter that is not ASCII stands at `Place`, whose column counts bytes.
+bool HasLetterAt(std::string_view Text, const toml::source_position& Place)
+{
+    const std::string_view Line = LineOf(Text, Place.line);
+    return Place.column >= 1 && Place.column <= Line.size() && !IsASCII(Line[Place.column - 1]);
+}
+
+[[noreturn]] void FailAtMistake(const toml::parse_error& Mistake, std::string_view Name, std::string_view Hint)
+{
+    FailInFile(Name, static_cast<std::int64_t>(Mistake.source().begin.line),
+               std::string(Mistake.description()).append(Hint));
+}
+
 /// toml++ 3.3 has undefined behaviour for letters that are not ASCII where no TOML has them, so it looks for mistakes
 /// in a text without such letters.
 /// @param Text  without a byte-order mark
@@ -147,14 +160,15 @@ toml::table ParseTOML(std::string_view Text, std::string_view Name)
     const std::string Masked = WithQuestionMarks(Text);
     try {
         (void)toml::parse(Masked);
+    } catch (const toml::parse_error& Mistake) {
+        const bool IsLetter = HasLetterAt(Text, Mistake.source().begin);
+        FailAtMistake(Mistake, Name,
+                      IsLetter ? "; letters that are not ASCII may stand only in quotes and comments" : "");
+    }
+    try {
         return toml::parse(Text);
-    } catch (const toml::parse_error& Failure) {
-        const std::size_t Line = Failure.source().begin.line;
-        std::string Description(Failure.description());
-        if (!std::ranges::all_of(LineOf(Text, Line), IsASCII)) {
-            Description += "; letters that are not ASCII may stand only in quotes and comments";
-        }
-        FailInFile(Name, static_cast<std::int64_t>(Line), Description);
+    } catch (const toml::parse_error& Mistake) {
+        FailAtMistake(Mistake, Name, "; save the file as UTF-8");
     }
 }
 

@@ -8,6 +8,8 @@
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
+#include <random>
+#include <string>
 
 namespace Pellumo::Testing {
 
@@ -182,6 +184,9 @@ INSTANTIATE_TEST_SUITE_P(
         ErrorCase{"# \xC3\xBC\n[[slave]]\nname = '\xC3\xBC'\nclock_error = \xD0\x87",
                   "4: Error while parsing value: could not determine value type; letters that are not ASCII may stand "
                   "only in quotes and comments"},
+        ErrorCase{"[[slave]]\nname = 'T\xFCr'", "2: Encountered invalid utf-8 sequence; save the file as UTF-8"},
+        ErrorCase{"seed = 1 x # \xC3\xBC",
+                  "1: Error while parsing key-value pair: expected a comment or whitespace, saw 'x'"},
         ErrorCase{"[[slave]]\nname = \"a\"\nclock = 1",
                   "3: unknown key \"clock\" in [[slave]]; known are \"name\", \"clock_error\", \"response_space\", "
                   "\"byte_space\", \"frame\""},
@@ -277,7 +282,8 @@ constexpr std::string_view FolderIsNoFile = "Is a directory";
 
 TEST(BusFile, IsReadFromDisk)
 {
-    const std::filesystem::path Path = std::filesystem::path(testing::TempDir()) / "BusFileTest.toml";
+    const std::string Name = "BusFileTest" + std::to_string(std::random_device()()) + ".toml"; // others may test, too
+    const std::filesystem::path Path = std::filesystem::path(testing::TempDir()) / Name;
     std::ofstream(Path) << "seed = 5\n";
     EXPECT_EQ(ReadBusFile(Path.string()).Seed, 5U);
     std::ofstream(Path) << "seed = 5\nsead = 6\n";

@@ -24,7 +24,7 @@ void DemandWithinBounds(const BusDescription& Bus)
     for (const auto& Slave : Bus.Slaves) {
         for (const auto& Frame : Slave.Frames) {
             Demand(Frame.Identifier <= 0x3F && Frame.Data.size() <= 8 && (Frame.Copies || !Frame.Data.empty()));
-            Demand(Identifiers.insert(Frame.Identifier).second || Frame.OnlyRequest > 0);
+            Demand(Identifiers.insert(Frame.Identifier).second);
         }
     }
     for (const auto& Collision : Bus.Collisions) {

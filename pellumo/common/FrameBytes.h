@@ -3,6 +3,7 @@
 /// checksum).
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <span>
 

@@ -40,12 +40,12 @@ std::string Y(int Pixel)
     return std::to_string(Pixel);
 }
 
-/// The attributes and content of an element: `Element("text", {{"x", "5"}}, "content")`.
 struct Attribute {
     const char* Name;
     std::string Value;
 };
 
+/// `Element("text", {{"x", "5"}}, "content")`.
 std::string Element(const char* Tag, std::initializer_list<Attribute> Attributes, const std::string& Content = {})
 {
     std::string Markup = std::string("<").append(Tag);

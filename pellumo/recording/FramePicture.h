@@ -13,8 +13,8 @@ namespace Pellumo {
 ///
 ///     y   0   heading: what it is, when, and what is to be said of it
 ///     y  24   fields, each a tinted box with name and value
-///     y  66   the level of the bus within the boxes
-///     y 108   axis in bit times and milliseconds
+///     y  62   the bus recessive, within the boxes; dominant at y 82
+///     y  97   axis, below it bit times and milliseconds
 struct FramePicture {
     static constexpr std::int64_t SampleWidth = 8;
     static constexpr std::int64_t LeftMargin = 720;

@@ -7,6 +7,7 @@
 #include "pellumo/simulation/Tick.h"
 #include "pellumo/simulation/Transmitter.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <span>
 #include <vector>

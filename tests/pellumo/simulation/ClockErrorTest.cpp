@@ -19,10 +19,9 @@
 //     76 + d < 10 b        for every d:  b >= 7.7,     clock error <= +3.896 %   (when another byte follows at once)
 //
 // Every bit before the stop bit allows more. Between these limits every byte must be decoded wherever its edge falls;
-// beyond them there are edges and bytes for which it cannot be. With the most favourable edge the limits are b <= 77 /
-// 9
-// (-6.494 %) and b > 7.6 (+5.263 %); beyond those a byte is decoded only if it is slow and its upper two bits
-// are 1, or fast and the last one.
+// beyond them there are edges and bytes for which it cannot be. With the most favourable edge the limits are
+// b <= 77 / 9 (-6.494 %) and b > 7.6 (+5.263 %); beyond those a byte is decoded only if it is slow and its upper two
+// bits are 1, or fast and the last one.
 
 namespace Pellumo::Testing {
 

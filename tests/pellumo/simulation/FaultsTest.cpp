@@ -132,7 +132,7 @@ TEST(WireFaults, GoOnWhenTheirFrameComesAgain)
     std::ranges::copy(Samples(Header + 600, 10), std::back_inserter(Both));
     const std::vector<RepeatCase> Cases = {
         {"both still to come", 600, 10, Both},
-        {"the first goes on while the second begins", 300, 400, Samples(300, Header + 400)},
+        {"the first goes on while the second begins", 100, 400, Samples(Header, 500)},
         {"for good", 280, std::nullopt, Samples(280, Header + 1600 - 280)},
     };
     for (const auto& [What, Sample, Length, Expected] : Cases) {

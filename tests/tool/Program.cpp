@@ -51,6 +51,11 @@ Channel OpenTerminal()
 
 Channel OpenOutput(const Surroundings& Around)
 {
+    if (Around.Unread) {
+        const Channel Pipe = OpenPipe();
+        close(Pipe.Ours);
+        return {Open("/dev/null", O_RDONLY), Pipe.Theirs};
+    }
     if (Around.OutputFile.empty()) {
         return Around.Terminal ? OpenTerminal() : OpenPipe();
     }

@@ -24,6 +24,7 @@ struct Surroundings {
     std::string Input{};                    ///< standard input
     std::vector<std::string> Environment{}; ///< NAME=VALUE; NO_COLOR and TERM are absent otherwise
     bool Terminal = false;                  ///< the standard output is a terminal
+    bool Unread = false;                    ///< the standard output is a pipe whose reader has gone
     std::string OutputFile{};               ///< the standard output goes here
     std::string Executable{};               ///< another program instead
 };

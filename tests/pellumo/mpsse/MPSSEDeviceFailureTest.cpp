@@ -143,22 +143,92 @@ TEST(FailingTransport, ErrorsArriveUnchangedAndTheTransportIsClosedAtEveryCall)
     }
 }
 
-TEST_F(Opened, IsBroughtBackIntoStepAfterAFailure)
+// Commands that were taken without an answer may never have been executed.
+class Recovery : public Opened {
+protected:
+    void Fail()
+    {
+        Record.BeforeCall = [](std::size_t) { Unplug(); };
+        EXPECT_EQ(FailureOf([this] { Device.SetClockDivisor(7); }), Unplugged);
+        Record.BeforeCall = nullptr;
+        Record.Calls.clear();
+    }
+};
+struct SettingsCase {
+    const char* Name;
+    std::function<void(MPSSEDevice&)> Set;
+    const char* Restored;
+};
+
+class RecoveryOfSettings : public Recovery, public testing::WithParamInterface<SettingsCase> {};
+INSTANTIATE_TEST_SUITE_P(
+    Settings, RecoveryOfSettings,
+    testing::Values(SettingsCase{"None", [](MPSSEDevice&) {}, "80 00 00"},
+                    SettingsCase{"Pins", [](MPSSEDevice& Device) { Device.ConfigurePins(0x03, 0x0B); }, "80 03 0B"},
+                    SettingsCase{"Option", [](MPSSEDevice& Device) { Device.SetOption(0); }, "80 00 00 8A 97 8D 85"},
+                    SettingsCase{"Divisor", [](MPSSEDevice& Device) { Device.SetClockDivisor(0x1234); },
+                                 "80 00 00 86 34 12"},
+                    SettingsCase{"All",
+                                 [](MPSSEDevice& Device) {
+                                     Device.ConfigurePins(0x03, 0x0B);
+                                     Device.SetOption(0);
+                                     Device.SetClockDivisor(0x00C2);
+                                 },
+                                 "80 03 0B 8A 97 8D 85 86 C2 00"}),
+    [](const auto& Info) { return Info.param.Name; });
+
+TEST_P(RecoveryOfSettings, GivesThemBackToTheRestartedEngineOnce)
+{
+    GetParam().Set(Device);
+    Fail();
+    Device.SetClockDivisor(7);
+    Device.SetClockDivisor(8);
+    EXPECT_EQ(Record.Calls, (Lines{"restart", "AA 87 <2", GetParam().Restored, "86 07 00", "86 08 00"}));
+}
+
+TEST_F(Recovery, BeginsAgainWhereverItFails)
+{
+    Device.SetClockDivisor(7);
+    const Lines Whole = {"restart", "AA 87 <2", "80 00 00 86 07 00", "86 07 00"};
+    for (std::size_t n = 0; n < Whole.size(); ++n) {
+        Fail();
+        Record.BeforeCall = [n](std::size_t CallsBefore) {
+            if (CallsBefore == n) {
+                Unplug();
+            }
+        };
+        EXPECT_EQ(FailureOf([this] { Device.SetClockDivisor(7); }), Unplugged) << n;
+        Record.BeforeCall = nullptr;
+        Record.Calls.clear();
+        Device.SetClockDivisor(7);
+        EXPECT_EQ(Record.Calls, Whole) << n;
+    }
+}
+
+TEST_F(Recovery, KeepsTheFrameThatWaitsToBeSent)
+{
+    Fail();
+    Device.SendSamples(Bytes{0x0F, 0xF1}, 2, 1, 0);
+    EXPECT_EQ(Record.Calls.back(), "18 01 00 0F F1");
+}
+
+TEST_F(Recovery, WaitsForNothingThatWasQueued)
 {
     Device.SetClockDivisor(29999);
-    Bytes Samples(125);
-    Record.BeforeCall = [](std::size_t) { Unplug(); };
-    EXPECT_EQ(FailureOf([&] { Device.ExchangeSamples(Samples, 125, 1, 0, 0); }), Unplugged);
-    Record.BeforeCall = nullptr;
-    Record.Calls.clear();
-    Record.Transfers.clear();
+    Device.SendSamples(Bytes(1250), 1250, 1, 0);
+    Fail();
+    Device.SetClockDivisor(7);
+    for (std::size_t k = Record.Transfers.size() - 3; k < Record.Transfers.size(); ++k) {
+        EXPECT_EQ(Record.Transfers[k].Limit, 1s) << k;
+    }
+}
 
-    Device.ConfigurePins(0x03, 0x0B);
-    Device.ConfigurePins(0x03, 0x0B);
-
-    EXPECT_EQ(Record.Calls, (Lines{"purge", "AA 87 <2", "80 03 0B", "80 03 0B"}));
-    EXPECT_EQ(Record.Transfers[0].Limit, 2s) << "the engine may still be clocking";
-    EXPECT_EQ(Record.Transfers[1].Limit, 1s);
+TEST_F(Recovery, OfADeviceThatIsClosedLeavesTheLineRecessive)
+{
+    Device.ConfigurePins(0x01, 0x0B);
+    Fail();
+    Device.Close();
+    EXPECT_EQ(Record.Calls, (Lines{"restart", "AA 87 <2", "80 01 0B", "80 03 0B 81 87 <1", "close"}));
 }
 
 TEST_F(Opened, StaysOutOfStepWhenTheEngineDoesNotAnswerAgain)

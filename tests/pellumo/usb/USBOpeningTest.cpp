@@ -47,6 +47,18 @@ TEST_F(USBOpening, PutsTheChipIntoMPSSEModeAndOutOfItAgain)
     EXPECT_EQ(Chip.Requests.size(), 1U);
 }
 
+// What was queued goes before the engine is reset: it would take the rest of some samples for commands.
+TEST_F(USBOpening, ARestartSwitchesTheEngineAloneOffAndOnBetweenEmptyBuffers)
+{
+    FakeUSBDevice& Chip = Usb.Plug(ChipFamily::FT232H, "FT0001", Wires);
+    const auto Opened = OpenUSBTransport({});
+    Chip.Requests.clear();
+    Opened.Pipe->Restart();
+    EXPECT_EQ(Chip.Requests,
+              (std::vector<ChipRequest>{
+                  {0x00, 1, 1}, {0x00, 2, 1}, {0x0B, 0x0000, 1}, {0x0B, 0x0200, 1}, {0x00, 1, 1}, {0x00, 2, 1}}));
+}
+
 TEST_F(USBOpening, TakesThePortFromTheKernelDriverAndGivesItBack)
 {
     FakeUSBDevice& Chip = Usb.Plug(ChipFamily::FT2232H, "FT0001", Wires);

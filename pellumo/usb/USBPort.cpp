@@ -36,7 +36,12 @@ USBPort::USBPort(FTDIContext Context, USBChip Chip, int Interface)
     FindEndpoints();
     Open();
     Claim();
-    SetUp();
+    try {
+        SetUp();
+    } catch (...) {
+        Close(); // the engine may be on already, and the destructor does not run
+        throw;
+    }
 }
 
 USBPort::~USBPort()

@@ -59,6 +59,17 @@ TEST_F(USBOpening, ARestartSwitchesTheEngineAloneOffAndOnBetweenEmptyBuffers)
                   {0x00, 1, 1}, {0x00, 2, 1}, {0x0B, 0x0000, 1}, {0x0B, 0x0200, 1}, {0x00, 1, 1}, {0x00, 2, 1}}));
 }
 
+TEST_F(USBOpening, TakesTheChipOutOfMPSSEModeWhenTheLastStepFails)
+{
+    FakeUSBDevice& Chip = Usb.Plug(ChipFamily::FT232H, "FT0001", Wires);
+    Chip.Faults[10] = Fault::Stall; // emptying the answer buffer
+    EXPECT_EQ(OpeningFails({}), Error(errPellumo::errStalled, "USBPort",
+                                      "ftdi://ftdi:232h:FT0001/1: emptying the buffers failed: the chip refused it. "
+                                      "Plug it in again and try again"));
+    EXPECT_EQ(Chip.Requests.back(), (ChipRequest{0x0B, 0x0000, 1}));
+    EXPECT_TRUE(Chip.Claimed.empty());
+}
+
 TEST_F(USBOpening, TakesThePortFromTheKernelDriverAndGivesItBack)
 {
     FakeUSBDevice& Chip = Usb.Plug(ChipFamily::FT2232H, "FT0001", Wires);

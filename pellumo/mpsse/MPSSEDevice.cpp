@@ -53,7 +53,8 @@ void ForEachCommand(std::span<Byte> Samples, Action Do)
 } // namespace
 
 MPSSEDevice::MPSSEDevice(std::unique_ptr<Transport> Pipe, ChipFamily Family)
-    : Transport_(std::move(Pipe)), HighSpeed_(FactsOf(Family).HighSpeed)
+    : Transport_(std::move(Pipe)), HighSpeed_(FactsOf(Family).HighSpeed),
+      MostQueuedBytes_(static_cast<std::int64_t>(2 * FactsOf(Family).BufferBytes))
 {
     Transport_->Purge();
     Synchronise();
@@ -119,7 +120,7 @@ void MPSSEDevice::SendSamples(std::span<const std::uint8_t> Samples, std::int32_
     const std::size_t Count = RequireCount(ByteCount, Samples.size());
     const std::uint8_t Opcode = ShiftOpcode(LSBFirst, WriteEdge);
     ForEachCommand(Samples.first(Count), [this, Opcode](std::span<const std::uint8_t> Piece) {
-        Transfer(Frame(Opcode, Piece), {}, DurationOf(Piece.size()));
+        Transfer(Frame(Opcode, Piece), {}, Piece.size());
     });
 }
 
@@ -135,7 +136,7 @@ void MPSSEDevice::ExchangeSamples(std::span<std::uint8_t> Samples, std::int32_t 
     const std::size_t Count = RequireCount(ByteCount, Samples.size());
     const std::uint8_t Opcode = ReadOnOtherEdge(ShiftOpcode(LSBFirst, WriteEdge));
     ForEachCommand(Samples.first(Count), [this, Opcode](std::span<std::uint8_t> Piece) {
-        Transfer(Frame(Opcode, Piece), Piece, DurationOf(Piece.size()));
+        Transfer(Frame(Opcode, Piece), Piece, Piece.size());
     });
 }
 
@@ -230,7 +231,7 @@ void MPSSEDevice::Synchronise()
 void MPSSEDevice::Recover()
 {
     Transport_->Restart();
-    Queued_ = Ticks(0);
+    ForgetQueued();
     Synchronise();
     RestoreSettings();
 }
@@ -247,18 +248,36 @@ void MPSSEDevice::RestoreSettings()
     Transport_->Transfer({Settings.data(), End}, {}, Limit());
 }
 
-void MPSSEDevice::Transfer(std::span<const std::uint8_t> Out, std::span<std::uint8_t> In, Ticks Duration)
+// An answer shows that all before it is done; without one, the chip holds no more than it has room for.
+void MPSSEDevice::Transfer(std::span<const std::uint8_t> Out, std::span<std::uint8_t> In, std::size_t SampleBytes)
 {
     if (!InStep_) {
         Recover();
     }
-    Queued_ += Duration;
+    AddQueued(SampleBytes);
     InStep_ = false;
     Transport_->Transfer(Out, In, Limit());
     InStep_ = true;
-    if (!In.empty()) {
-        Queued_ = Ticks(0);
+    if (In.empty()) {
+        Queued_ = std::min(Queued_, MostQueuedBytes_ * SlowestByte_);
+    } else {
+        ForgetQueued();
     }
+}
+
+// Until a divisor is set the clock is unknown: the slowest one is counted on.
+void MPSSEDevice::AddQueued(std::size_t SampleBytes) noexcept
+{
+    if (SampleBytes > 0) {
+        const Ticks Byte(8 * TicksPerCycle(HighSpeed_) * (1 + Divisor_.value_or(LargestDivisor)));
+        Queued_ += static_cast<std::int64_t>(SampleBytes) * Byte;
+        SlowestByte_ = std::max(SlowestByte_, Byte);
+    }
+}
+
+void MPSSEDevice::ForgetQueued() noexcept
+{
+    Queued_ = SlowestByte_ = Ticks(0);
 }
 
 // An exchange is ended by the command that sends the answer at once; a frame that nobody reads goes without.
@@ -271,13 +290,6 @@ std::span<const std::uint8_t> MPSSEDevice::Frame(std::uint8_t Opcode, std::span<
         Frame_.push_back(Commands::SendImmediate);
     }
     return Frame_;
-}
-
-// Until a divisor is set the clock is unknown: the slowest one is counted on.
-MPSSEDevice::Ticks MPSSEDevice::DurationOf(std::size_t ByteCount) const noexcept
-{
-    const std::int64_t Divisor = Divisor_.value_or(LargestDivisor);
-    return Ticks(static_cast<std::int64_t>(ByteCount) * 8 * TicksPerCycle(HighSpeed_) * (1 + Divisor));
 }
 
 std::chrono::nanoseconds MPSSEDevice::Limit() const noexcept

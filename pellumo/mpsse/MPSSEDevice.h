@@ -95,13 +95,15 @@ private:
     void Recover();
     void RestoreSettings();
     void LeaveRecessive();
-    void Transfer(std::span<const std::uint8_t> Out, std::span<std::uint8_t> In = {}, Ticks Duration = {});
+    void Transfer(std::span<const std::uint8_t> Out, std::span<std::uint8_t> In = {}, std::size_t SampleBytes = 0);
+    void AddQueued(std::size_t SampleBytes) noexcept;
+    void ForgetQueued() noexcept;
     std::span<const std::uint8_t> Frame(std::uint8_t Opcode, std::span<const std::uint8_t> Samples);
-    Ticks DurationOf(std::size_t ByteCount) const noexcept;
     std::chrono::nanoseconds Limit() const noexcept;
 
     std::unique_ptr<Transport> Transport_;
     bool HighSpeed_;
+    std::int64_t MostQueuedBytes_; // in the buffer of the chip, and as many in the packets before it
     bool Open_ = true;
     bool InStep_ = true;                 // the engine stands between two commands and owes no answer
     std::uint8_t Levels_ = 0;            // of the pins, as configured
@@ -109,6 +111,7 @@ private:
     std::span<const std::uint8_t> Mode_; // the commands of the option; none until it is set
     std::optional<std::int32_t> Divisor_;
     Ticks Queued_{};                  // clocks that were sent and may not have left the pins
+    Ticks SlowestByte_{};             // of those sent since the last answer
     std::vector<std::uint8_t> Frame_; // reused, so that a frame allocates nothing
 };
 

@@ -1,4 +1,4 @@
-// Deadlines, and what stays after a failure.
+// What stays after a failure.
 
 #include "pellumo/errPellumo.h"
 #include "pellumo/mpsse/MPSSEDevice.h"
@@ -31,73 +31,9 @@ void Unplug()
 
 class Opened : public testing::Test {
 protected:
-    std::chrono::nanoseconds LastLimit() const { return Record.Transfers.back().Limit; }
-
     TransportRecord Record;
     MPSSEDevice Device{std::make_unique<FakeTransport>(Record), ChipFamily::FT232H};
 };
-
-using Deadline = Opened;
-
-// 30 MHz / 30,000 is 1 kHz: 125 bytes last one second.
-TEST_F(Deadline, IsTheTimeOfEverythingThatMayNotHaveLeftThePinsAndASecond)
-{
-    EXPECT_EQ(LastLimit(), 1s);
-    Device.SetClockDivisor(29999);
-    EXPECT_EQ(LastLimit(), 1s);
-
-    Bytes Samples(1250);
-    Device.SendSamples(Samples, 125, 1, 0);
-    EXPECT_EQ(LastLimit(), 2s);
-    Device.SendSamples(Samples, 250, 1, 0);
-    EXPECT_EQ(LastLimit(), 4s);
-    Device.ConfigurePins(0x03, 0x0B);
-    EXPECT_EQ(LastLimit(), 4s) << "a command waits behind the samples";
-    Device.ExchangeSamples(Samples, 1250, 1, 0, 0);
-    EXPECT_EQ(LastLimit(), 14s);
-
-    Device.ExchangeSamples(Samples, 125, 1, 0, 0);
-    EXPECT_EQ(LastLimit(), 2s) << "an answer shows that all before it is done";
-}
-
-TEST_F(Deadline, CountsSamplesAtTheClockTheyWereSentWith)
-{
-    Bytes Samples(125);
-    Device.SetClockDivisor(29999);
-    Device.SendSamples(Samples, 125, 1, 0);
-    Device.SetClockDivisor(59999);
-    Device.SendSamples(Samples, 125, 1, 0);
-    EXPECT_EQ(LastLimit(), 4s);
-    Device.Close();
-    EXPECT_EQ(LastLimit(), 4s);
-}
-
-TEST_F(Deadline, CountsOnTheSlowestClockUntilOneIsSet)
-{
-    const Bytes Samples(1);
-    Device.SendSamples(Samples, 1, 1, 0);
-    EXPECT_EQ(LastLimit(), 1s + 17476267ns) << "8 samples of 65,536 / 30 MHz, rounded up";
-}
-
-TEST_F(Deadline, OfALongStreamGrowsWithEachOfItsPieces)
-{
-    Device.SetClockDivisor(29999);
-    Bytes Samples(65536 + 125);
-    Device.SendSamples(Samples, 65536 + 125, 1, 0);
-    EXPECT_EQ(Record.Transfers[Record.Transfers.size() - 2].Limit, 1s + 524288ms);
-    EXPECT_EQ(LastLimit(), 1s + 525288ms);
-    Device.ExchangeSamples(Samples, 65536 + 125, 1, 0, 0);
-    EXPECT_EQ(LastLimit(), 2s) << "each piece is answered";
-}
-
-TEST(DeadlineOfTheFullSpeedChip, CountsItsSlowerClock)
-{
-    TransportRecord Record;
-    MPSSEDevice Device(std::make_unique<FakeTransport>(Record), ChipFamily::FT2232D);
-    Device.SetClockDivisor(5999);
-    Device.SendSamples(Bytes(125), 125, 1, 0);
-    EXPECT_EQ(Record.Transfers.back().Limit, 2s);
-}
 
 // A device from opening to closing; returns what the first failing operation raised.
 Failure RunWhole(TransportRecord& Record)

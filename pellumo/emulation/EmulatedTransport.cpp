@@ -39,6 +39,11 @@ void EmulatedTransport::Purge()
     Chip().Purge();
 }
 
+void EmulatedTransport::Restart()
+{
+    Chip().Reset();
+}
+
 void EmulatedTransport::Close()
 {
     Chip_.reset();

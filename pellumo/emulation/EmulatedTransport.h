@@ -23,6 +23,7 @@ public:
     void Transfer(std::span<const std::uint8_t> Out, std::span<std::uint8_t> In,
                   std::chrono::nanoseconds Limit) override;
     void Purge() override;
+    void Restart() override;
     void Close() override;
     std::string_view Name() const noexcept override { return Name_; }
 

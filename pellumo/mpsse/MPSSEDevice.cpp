@@ -3,6 +3,7 @@
 #include "pellumo/errPellumo.h"
 #include "pellumo/mpsse/ClockDivisor.h"
 #include "pellumo/mpsse/Commands.h"
+#include "pellumo/mpsse/MakeCommands.h"
 #include "pellumo/mpsse/RaiseForDevice.h"
 
 #include <algorithm>
@@ -19,28 +20,6 @@ using Tarvix::errGeneral;
 
 // What USB and the host's scheduler may add to the time that the clocked bits take.
 constexpr std::chrono::nanoseconds Margin = std::chrono::seconds(1);
-
-constexpr std::uint8_t ShiftOpcode(std::int32_t LSBFirst, std::int32_t WriteEdge) noexcept
-{
-    return static_cast<std::uint8_t>(Shift::Write | (LSBFirst != 0 ? Shift::LSBFirst : 0) |
-                                     (WriteEdge != 0 ? Shift::WriteOnFalling : 0));
-}
-
-constexpr std::uint8_t ReadOnOtherEdge(std::uint8_t WriteOpcode) noexcept
-{
-    const bool WritesOnFalling = (WriteOpcode & Shift::WriteOnFalling) != 0;
-    return static_cast<std::uint8_t>(WriteOpcode | Shift::Read | (WritesOnFalling ? 0 : Shift::ReadOnFalling));
-}
-
-constexpr std::uint8_t LowByte(std::size_t Value) noexcept
-{
-    return static_cast<std::uint8_t>(Value & 0xFF);
-}
-
-constexpr std::uint8_t HighByte(std::size_t Value) noexcept
-{
-    return static_cast<std::uint8_t>(Value >> 8 & 0xFF);
-}
 
 // The shortest form that reads back as the same number, whatever the locale.
 std::string RealText(double Value)
@@ -73,10 +52,11 @@ void ForEachCommand(std::span<Byte> Samples, Action Do)
 
 } // namespace
 
-// Until a divisor is set the clock is unknown: limits then count on the slowest one.
 MPSSEDevice::MPSSEDevice(std::unique_ptr<Transport> Pipe, ChipFamily Family)
-    : Transport_(std::move(Pipe)), HighSpeed_(FactsOf(Family).HighSpeed), Divisor_(LargestDivisor)
+    : Transport_(std::move(Pipe)), HighSpeed_(FactsOf(Family).HighSpeed),
+      MostQueuedBytes_(static_cast<std::int64_t>(2 * FactsOf(Family).BufferBytes))
 {
+    Transport_->Purge();
     Synchronise();
 }
 
@@ -99,12 +79,9 @@ void MPSSEDevice::SetOption(std::int32_t Option)
     if (Option != 0) {
         Fail(errPellumo::errUnsupported, "the option must be 0, the plain mode");
     }
-    if (HighSpeed_) {
-        Transfer(std::array{Commands::DivideBy5Off, Commands::AdaptiveClockingOff, Commands::ThreePhaseOff,
-                            Commands::LoopbackOff});
-    } else {
-        Transfer(std::array{Commands::LoopbackOff});
-    }
+    const std::span<const std::uint8_t> Mode = PlainModeCommands(HighSpeed_);
+    Transfer(Mode);
+    Mode_ = Mode;
 }
 
 std::int32_t MPSSEDevice::DivisorForFrequency(double Frequency)
@@ -124,8 +101,7 @@ void MPSSEDevice::SetClockDivisor(std::int32_t Divisor)
 {
     RequireOpen();
     RequireDivisor(Divisor);
-    const auto Value = static_cast<std::size_t>(Divisor);
-    Transfer(std::array{Commands::SetDivisor, LowByte(Value), HighByte(Value)});
+    Transfer(DivisorCommand(Divisor));
     Divisor_ = Divisor;
 }
 
@@ -144,7 +120,7 @@ void MPSSEDevice::SendSamples(std::span<const std::uint8_t> Samples, std::int32_
     const std::size_t Count = RequireCount(ByteCount, Samples.size());
     const std::uint8_t Opcode = ShiftOpcode(LSBFirst, WriteEdge);
     ForEachCommand(Samples.first(Count), [this, Opcode](std::span<const std::uint8_t> Piece) {
-        Transfer(Frame(Opcode, Piece), {}, DurationOf(Piece.size()));
+        Transfer(Frame(Opcode, Piece), {}, Piece.size());
     });
 }
 
@@ -160,7 +136,7 @@ void MPSSEDevice::ExchangeSamples(std::span<std::uint8_t> Samples, std::int32_t 
     const std::size_t Count = RequireCount(ByteCount, Samples.size());
     const std::uint8_t Opcode = ReadOnOtherEdge(ShiftOpcode(LSBFirst, WriteEdge));
     ForEachCommand(Samples.first(Count), [this, Opcode](std::span<std::uint8_t> Piece) {
-        Transfer(Frame(Opcode, Piece), Piece, DurationOf(Piece.size()));
+        Transfer(Frame(Opcode, Piece), Piece, Piece.size());
     });
 }
 
@@ -236,7 +212,6 @@ void MPSSEDevice::LeaveRecessive()
 // of the pipe does.
 void MPSSEDevice::Synchronise()
 {
-    Transport_->Purge();
     std::array<std::uint8_t, 2> Answer{};
     try {
         Transport_->Transfer(std::array{Commands::Bogus, Commands::SendImmediate}, Answer, Limit());
@@ -249,23 +224,60 @@ void MPSSEDevice::Synchronise()
     if (Answer != std::array{Commands::Bad, Commands::Bogus}) {
         Fail(errPellumo::errNoEngine, "no MPSSE engine answers. Unplug the chip, plug it in and open it again");
     }
-    Queued_ = Ticks(0);
-    InStep_ = true;
 }
 
-// After a failure the engine may stand inside a command or still owe an answer.
-void MPSSEDevice::Transfer(std::span<const std::uint8_t> Out, std::span<std::uint8_t> In, Ticks Duration)
+// After a failure the engine may stand inside a command or still owe an answer, and commands that it took without an
+// answer may not have been executed: it begins anew, with the settings that it is supposed to have.
+void MPSSEDevice::Recover()
+{
+    Transport_->Restart();
+    ForgetQueued();
+    Synchronise();
+    RestoreSettings();
+}
+
+// Not in `Frame_`: there stands what the operation that comes next will send.
+void MPSSEDevice::RestoreSettings()
+{
+    std::array<std::uint8_t, 3 + ExtrasOff.size() + 3> Settings{Commands::SetLowPins, Levels_, Directions_};
+    std::uint8_t* End = std::copy(Mode_.begin(), Mode_.end(), Settings.data() + 3);
+    if (Divisor_) {
+        const auto Command = DivisorCommand(*Divisor_);
+        End = std::copy(Command.begin(), Command.end(), End);
+    }
+    Transport_->Transfer({Settings.data(), End}, {}, Limit());
+}
+
+// An answer shows that all before it is done; without one, the chip holds no more than it has room for.
+void MPSSEDevice::Transfer(std::span<const std::uint8_t> Out, std::span<std::uint8_t> In, std::size_t SampleBytes)
 {
     if (!InStep_) {
-        Synchronise();
+        Recover();
     }
-    Queued_ += Duration;
+    AddQueued(SampleBytes);
     InStep_ = false;
     Transport_->Transfer(Out, In, Limit());
     InStep_ = true;
-    if (!In.empty()) {
-        Queued_ = Ticks(0);
+    if (In.empty()) {
+        Queued_ = std::min(Queued_, MostQueuedBytes_ * SlowestByte_);
+    } else {
+        ForgetQueued();
     }
+}
+
+// Until a divisor is set the clock is unknown: the slowest one is counted on.
+void MPSSEDevice::AddQueued(std::size_t SampleBytes) noexcept
+{
+    if (SampleBytes > 0) {
+        const Ticks Byte(8 * TicksPerCycle(HighSpeed_) * (1 + Divisor_.value_or(LargestDivisor)));
+        Queued_ += static_cast<std::int64_t>(SampleBytes) * Byte;
+        SlowestByte_ = std::max(SlowestByte_, Byte);
+    }
+}
+
+void MPSSEDevice::ForgetQueued() noexcept
+{
+    Queued_ = SlowestByte_ = Ticks(0);
 }
 
 // An exchange is ended by the command that sends the answer at once; a frame that nobody reads goes without.
@@ -278,11 +290,6 @@ std::span<const std::uint8_t> MPSSEDevice::Frame(std::uint8_t Opcode, std::span<
         Frame_.push_back(Commands::SendImmediate);
     }
     return Frame_;
-}
-
-MPSSEDevice::Ticks MPSSEDevice::DurationOf(std::size_t ByteCount) const noexcept
-{
-    return Ticks(static_cast<std::int64_t>(ByteCount) * 8 * TicksPerCycle(HighSpeed_) * (1 + Divisor_));
 }
 
 std::chrono::nanoseconds MPSSEDevice::Limit() const noexcept

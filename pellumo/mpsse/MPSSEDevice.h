@@ -17,6 +17,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <ratio>
 #include <span>
 #include <string_view>
@@ -26,8 +27,9 @@ namespace Pellumo {
 
 /// An MPSSE engine as `Tarvix::FTDIMPSSE`.
 ///
-/// Whatever the transport raises reaches the caller unchanged. The next operation after such a failure first throws
-/// away old answers and makes sure that the engine is in step. After `Close` every operation raises errClosed.
+/// Whatever the transport raises reaches the caller unchanged. The next operation after such a failure first restarts
+/// the engine, makes sure that it answers and gives it back its settings. After `Close` every operation raises
+/// errClosed.
 class MPSSEDevice final : public Tarvix::FTDIMPSSE {
 public:
     /// Throws away old answers and makes sure that an engine answers.
@@ -90,20 +92,26 @@ private:
     std::size_t RequireCount(std::int32_t ByteCount, std::size_t Available) const;
 
     void Synchronise();
+    void Recover();
+    void RestoreSettings();
     void LeaveRecessive();
-    void Transfer(std::span<const std::uint8_t> Out, std::span<std::uint8_t> In = {}, Ticks Duration = {});
+    void Transfer(std::span<const std::uint8_t> Out, std::span<std::uint8_t> In = {}, std::size_t SampleBytes = 0);
+    void AddQueued(std::size_t SampleBytes) noexcept;
+    void ForgetQueued() noexcept;
     std::span<const std::uint8_t> Frame(std::uint8_t Opcode, std::span<const std::uint8_t> Samples);
-    Ticks DurationOf(std::size_t ByteCount) const noexcept;
     std::chrono::nanoseconds Limit() const noexcept;
 
     std::unique_ptr<Transport> Transport_;
     bool HighSpeed_;
+    std::int64_t MostQueuedBytes_; // in the buffer of the chip, and as many in the packets before it
     bool Open_ = true;
-    bool InStep_ = false;         // the engine stands between two commands and owes no answer
-    std::uint8_t Levels_ = 0;     // of the pins, as configured
-    std::uint8_t Directions_ = 0; // inputs, as after a reset
-    std::int32_t Divisor_;
+    bool InStep_ = true;                 // the engine stands between two commands and owes no answer
+    std::uint8_t Levels_ = 0;            // of the pins, as configured
+    std::uint8_t Directions_ = 0;        // inputs, as after a reset
+    std::span<const std::uint8_t> Mode_; // the commands of the option; none until it is set
+    std::optional<std::int32_t> Divisor_;
     Ticks Queued_{};                  // clocks that were sent and may not have left the pins
+    Ticks SlowestByte_{};             // of those sent since the last answer
     std::vector<std::uint8_t> Frame_; // reused, so that a frame allocates nothing
 };
 

@@ -25,6 +25,10 @@ public:
     /// Throws away what the chip has sent and nobody has read.
     virtual void Purge() = 0;
 
+    /// Switches the engine off and on again, whatever state it is in: it then stands between two commands, all that was
+    /// under way is gone in both directions, and the settings are those after a reset.
+    virtual void Restart() = 0;
+
     /// Releases the chip; a second call does nothing.
     virtual void Close() = 0;
 

@@ -36,7 +36,12 @@ USBPort::USBPort(FTDIContext Context, USBChip Chip, int Interface)
     FindEndpoints();
     Open();
     Claim();
-    EnterMPSSEMode();
+    try {
+        SetUp();
+    } catch (...) {
+        Close(); // the engine may be on already, and the destructor does not run
+        throw;
+    }
 }
 
 USBPort::~USBPort()
@@ -97,7 +102,7 @@ void USBPort::Claim()
 }
 
 // The maker's order of steps (application note AN_135, "MPSSE Basics").
-void USBPort::EnterMPSSEMode()
+void USBPort::SetUp()
 {
     ftdi_context* const FTDI = Context_.get();
     Require(ftdi_usb_reset(FTDI), "resetting the chip");
@@ -105,9 +110,21 @@ void USBPort::EnterMPSSEMode()
     Require(ftdi_set_error_char(FTDI, 0, 0), "switching the error character off");
     Require(ftdi_set_latency_timer(FTDI, LatencyTimer), "setting the latency timer");
     Require(ftdi_setflowctrl(FTDI, SIO_RTS_CTS_HS), "setting the flow control");
-    Require(ftdi_set_bitmode(FTDI, 0, BITMODE_RESET), "resetting the mode");
-    Require(ftdi_set_bitmode(FTDI, 0, BITMODE_MPSSE), "entering MPSSE mode");
+    EnterMPSSEMode();
+}
+
+void USBPort::EnterMPSSEMode()
+{
+    Require(ftdi_set_bitmode(Context_.get(), 0, BITMODE_RESET), "resetting the mode");
+    Require(ftdi_set_bitmode(Context_.get(), 0, BITMODE_MPSSE), "entering MPSSE mode");
     Purge();
+}
+
+// Emptied first as well: an engine that has just been reset would take the rest of some samples for commands.
+void USBPort::Restart()
+{
+    Purge();
+    EnterMPSSEMode();
 }
 
 void USBPort::Purge()

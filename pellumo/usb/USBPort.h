@@ -31,6 +31,10 @@ public:
     /// @throws Tarvix::Error  errUnplugged, errStalled, errTimeout, errUSB
     void Purge();
 
+    /// Resets the engine and empties the buffers around it.
+    /// @throws Tarvix::Error  errUnplugged, errStalled, errTimeout, errUSB
+    void Restart();
+
     /// Takes the chip out of MPSSE mode, if it still listens, and gives the port back to the system. A second call does
     /// nothing.
     void Close() noexcept;
@@ -49,6 +53,7 @@ private:
     void FindEndpoints();
     void Open();
     void Claim();
+    void SetUp();
     void EnterMPSSEMode();
     void Require(int Answer, std::string_view Action);
     int CauseOfFailure();

@@ -167,6 +167,13 @@ void USBTransport::Purge()
     Port_.Purge();
 }
 
+void USBTransport::Restart()
+{
+    RequireOpen();
+    Surplus_.clear();
+    Port_.Restart();
+}
+
 void USBTransport::Close()
 {
     Port_.Close();

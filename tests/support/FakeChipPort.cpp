@@ -30,6 +30,7 @@ void FakeChipPort::SwitchEngine(bool On)
 {
     On_ = On;
     Chip_.Reset();
+    Decoder_.Reset();
 }
 
 void FakeChipPort::PurgeAnswers() noexcept

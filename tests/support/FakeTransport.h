@@ -25,8 +25,8 @@ struct TransportRecord {
         std::chrono::nanoseconds Limit;
     };
 
-    /// Every call in order: "purge", "close", and for a transfer its bytes in hexadecimal, then the number of answer
-    /// bytes, as in "AA <2".
+    /// Every call in order: "purge", "restart", "close", and for a transfer its bytes in hexadecimal, then the number
+    /// of answer bytes, as in "AA <2".
     std::vector<std::string> Calls;
     /// Every transfer in order.
     std::vector<Transferred> Transfers;
@@ -43,6 +43,7 @@ public:
     void Transfer(std::span<const std::uint8_t> Out, std::span<std::uint8_t> In,
                   std::chrono::nanoseconds Limit) override;
     void Purge() override { Count("purge"); }
+    void Restart() override { Count("restart"); }
     void Close() override { Count("close"); }
     std::string_view Name() const noexcept override { return "fake:1"; }
 

@@ -115,6 +115,17 @@ TEST(EmulatedTransport, PurgeThrowsOldAnswersAway)
     EXPECT_EQ(Answer, (Bytes{0xFA, 0xAB}));
 }
 
+TEST(EmulatedTransport, ARestartLeavesNothingOfACommandThatWasCutShort)
+{
+    EchoPins Wires;
+    EmulatedTransport Pipe(std::make_shared<EmulatedChip>(ChipFamily::FT232H, Wires), "sim:");
+    Pipe.Transfer(Bytes{0x18, 0xFF, 0xFF}, {}, 1s);
+    Pipe.Restart();
+    Bytes Answer(2);
+    Pipe.Transfer(Bytes{0xAB}, Answer, 1s);
+    EXPECT_EQ(Answer, (Bytes{0xFA, 0xAB}));
+}
+
 TEST(EmulatedTransport, LetsTheChipGoWhenItIsClosed)
 {
     EchoPins Wires;
@@ -127,6 +138,7 @@ TEST(EmulatedTransport, LetsTheChipGoWhenItIsClosed)
                          "sim: the device has been closed. Open it again to go on"};
     EXPECT_EQ(FailureOf([&] { Pipe.Transfer({}, {}, 1s); }), Closed);
     EXPECT_EQ(FailureOf([&] { Pipe.Purge(); }), Closed);
+    EXPECT_EQ(FailureOf([&] { Pipe.Restart(); }), Closed);
 }
 
 } // namespace

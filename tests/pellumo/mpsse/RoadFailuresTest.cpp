@@ -44,6 +44,11 @@ public:
         Count();
         Inner_.Purge();
     }
+    void Restart() override
+    {
+        Count();
+        Inner_.Restart();
+    }
     void Close() override { Inner_.Close(); }
     std::string_view Name() const noexcept override { return Inner_.Name(); }
 

@@ -47,6 +47,29 @@ TEST_F(USBOpening, PutsTheChipIntoMPSSEModeAndOutOfItAgain)
     EXPECT_EQ(Chip.Requests.size(), 1U);
 }
 
+// What was queued goes before the engine is reset: it would take the rest of some samples for commands.
+TEST_F(USBOpening, ARestartSwitchesTheEngineAloneOffAndOnBetweenEmptyBuffers)
+{
+    FakeUSBDevice& Chip = Usb.Plug(ChipFamily::FT232H, "FT0001", Wires);
+    const auto Opened = OpenUSBTransport({});
+    Chip.Requests.clear();
+    Opened.Pipe->Restart();
+    EXPECT_EQ(Chip.Requests,
+              (std::vector<ChipRequest>{
+                  {0x00, 1, 1}, {0x00, 2, 1}, {0x0B, 0x0000, 1}, {0x0B, 0x0200, 1}, {0x00, 1, 1}, {0x00, 2, 1}}));
+}
+
+TEST_F(USBOpening, TakesTheChipOutOfMPSSEModeWhenTheLastStepFails)
+{
+    FakeUSBDevice& Chip = Usb.Plug(ChipFamily::FT232H, "FT0001", Wires);
+    Chip.Faults[10] = Fault::Stall; // emptying the answer buffer
+    EXPECT_EQ(OpeningFails({}), Error(errPellumo::errStalled, "USBPort",
+                                      "ftdi://ftdi:232h:FT0001/1: emptying the buffers failed: the chip refused it. "
+                                      "Plug it in again and try again"));
+    EXPECT_EQ(Chip.Requests.back(), (ChipRequest{0x0B, 0x0000, 1}));
+    EXPECT_TRUE(Chip.Claimed.empty());
+}
+
 TEST_F(USBOpening, TakesThePortFromTheKernelDriverAndGivesItBack)
 {
     FakeUSBDevice& Chip = Usb.Plug(ChipFamily::FT2232H, "FT0001", Wires);

@@ -11,6 +11,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -32,6 +33,16 @@ inline Failure Error(errPellumo Number, std::string_view Source, std::string_vie
 inline ChipAddress At(std::string_view URL)
 {
     return std::get<ChipAddress>(ParseDeviceURL(URL));
+}
+
+/// A pattern in which no two neighbouring stretches are alike.
+inline Bytes Pattern(std::size_t Count)
+{
+    Bytes Samples(Count);
+    for (std::size_t i = 0; i < Count; ++i) {
+        Samples[i] = static_cast<std::uint8_t>(i * 7 + i / 256 * 3 + 1);
+    }
+    return Samples;
 }
 
 /// A USB system with wires that echo; what stays open at the end of a test fails it.

@@ -15,16 +15,6 @@ namespace {
 
 using namespace std::chrono_literals;
 
-// A pattern in which no two neighbouring stretches are alike.
-Bytes Pattern(std::size_t Count)
-{
-    Bytes Samples(Count);
-    for (std::size_t i = 0; i < Count; ++i) {
-        Samples[i] = static_cast<std::uint8_t>(i * 7 + i / 256 * 3 + 1);
-    }
-    return Samples;
-}
-
 // Clocks `Samples` out and in, and sends the answer at once.
 Bytes ExchangeCommand(const Bytes& Samples)
 {
@@ -247,57 +237,8 @@ TEST_F(USBTransfer, IsRefusedAfterClose)
         Error(errPellumo::errClosed, "USBTransport", "ftdi://ftdi:232h:S/1: the chip has been closed. Open it again");
     EXPECT_EQ(FailureOf([&] { Transfer({0x87}, 0); }), Closed);
     EXPECT_EQ(FailureOf([&] { Pipe->Purge(); }), Closed);
+    EXPECT_EQ(FailureOf([&] { Pipe->Restart(); }), Closed);
     EXPECT_EQ(Pipe->Name(), "ftdi://ftdi:232h:S/1");
-}
-
-struct FaultCase {
-    const char* Name;
-    Fault Kind;
-    errPellumo Number;
-};
-
-class USBFaults : public USBTest, public testing::WithParamInterface<FaultCase> {
-protected:
-    // Every kind of transfer that there is. Closing never fails.
-    static void Session()
-    {
-        const auto Pipe = OpenUSBTransport({}).Pipe;
-        Bytes Answer(2);
-        Pipe->Transfer(Bytes{0xAA, 0x87}, Answer, 20ms);
-        EXPECT_EQ(Answer, (Bytes{0xFA, 0xAA}));
-        Pipe->Purge();
-        Pipe->Transfer(Bytes{0x80, 0x03, 0x0B}, {}, 20ms);
-    }
-};
-
-INSTANTIATE_TEST_SUITE_P(All, USBFaults,
-                         testing::Values(FaultCase{"Stall", Fault::Stall, errPellumo::errStalled},
-                                         FaultCase{"Unplug", Fault::Unplug, errPellumo::errUnplugged},
-                                         FaultCase{"Mute", Fault::Mute, errPellumo::errTimeout},
-                                         FaultCase{"Broken", Fault::Broken, errPellumo::errUSB}),
-                         [](const auto& Info) { return Info.param.Name; });
-
-TEST_P(USBFaults, AtEveryTransferBearTheirNumberAndLeaveNothingOpen)
-{
-    const std::size_t Count = [this] {
-        FakeUSBDevice& Sound = Usb.Plug(ChipFamily::FT232H, "S", Wires);
-        Session();
-        Sound.Unplug();
-        return Sound.Transfers;
-    }();
-    ASSERT_EQ(Count, 17U); // 2 for the serial number, 9 to set up, read, write, 2 to purge, write, 1 to close
-
-    for (std::size_t k = 0; k < Count; ++k) {
-        FakeUSBDevice& Chip = Usb.Plug(ChipFamily::FT232H, "S", Wires);
-        Chip.Faults[k] = GetParam().Kind;
-        const Failure Raised = FailureOf(Session);
-        const bool Closing = k == Count - 1;
-        EXPECT_EQ(Raised.Number, Closing ? 0U : static_cast<std::uint32_t>(GetParam().Number)) << k << Raised;
-        EXPECT_EQ(Raised.Description.starts_with("ftdi://ftdi:232h"), !Closing) << k << Raised;
-        EXPECT_EQ(Usb.OpenDevices(), 0U) << k;
-        EXPECT_TRUE(Chip.Claimed.empty()) << k;
-        Chip.Unplug();
-    }
 }
 
 TEST_F(USBTransfer, NoticesThatTheChipIsPulledOutBetweenTransfers)

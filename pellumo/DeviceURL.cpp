@@ -19,14 +19,13 @@ namespace {
 constexpr std::string_view SimulatedScheme = "sim:";
 constexpr std::string_view ChipScheme = "ftdi:";
 
-// "2232" is the chip that had the engine before there was an "h".
-constexpr std::array<std::pair<std::string_view, ChipFamily>, 5> ProductNames = {{
-    {"2232", ChipFamily::FT2232D},
+constexpr std::array<std::pair<std::string_view, ChipFamily>, 4> ProductNames = {{
     {"2232d", ChipFamily::FT2232D},
     {"2232h", ChipFamily::FT2232H},
     {"4232h", ChipFamily::FT4232H},
     {"232h", ChipFamily::FT232H},
 }};
+constexpr std::string_view Either2232 = "2232"; // they share an identifier
 
 [[noreturn]] void Fail(std::string_view URL, std::string_view Reason)
 {
@@ -78,21 +77,27 @@ std::uint16_t VendorFrom(std::string_view URL, std::string_view Part)
     return *Number;
 }
 
-std::uint16_t ProductFrom(std::string_view URL, std::string_view Part)
+void SetProduct(ChipAddress& Chip, std::string_view URL, std::string_view Part)
 {
     const std::string Lower = LowerCase(Part);
     const std::string_view Name = std::string_view(Lower).substr(Lower.starts_with("ft") ? 2 : 0);
     const auto* const Known = std::find_if(ProductNames.begin(), ProductNames.end(),
                                            [Name](const auto& Entry) { return Entry.first == Name; });
     if (Known != ProductNames.end()) {
-        return FactsOf(Known->second).USBProduct;
+        Chip.Family = Known->second;
+        Chip.Product = FactsOf(Known->second).USBProduct;
+        return;
+    }
+    if (Name == Either2232) {
+        Chip.Product = FactsOf(ChipFamily::FT2232H).USBProduct;
+        return;
     }
     const auto Number = HexNumber(Lower);
     if (!Number) {
         Fail(URL, Quoted("the product", Part)
                       .append("is neither 2232, 2232d, 2232h, 4232h or 232h nor a hexadecimal number up to FFFF"));
     }
-    return *Number;
+    Chip.Product = *Number;
 }
 
 int InterfaceFrom(std::string_view URL, std::string_view Part)
@@ -136,7 +141,7 @@ ChipAddress ParseChip(std::string_view URL)
         Chip.Vendor = VendorFrom(URL, Vendor);
     }
     if (const auto Product = TakePart(Text); !Product.empty()) {
-        Chip.Product = ProductFrom(URL, Product);
+        SetProduct(Chip, URL, Product);
     }
     if (!Text.empty()) {
         Chip.Serial = Text;

@@ -46,12 +46,12 @@ std::string VendorName(std::uint16_t Vendor)
 }
 
 // How a URL names the product: "232h" for an FT232H, a number for a chip whose identifier was changed.
-std::string ProductInURL(const USBChip& Chip)
+std::string ProductInURL(std::uint16_t Product, std::optional<ChipFamily> Family)
 {
-    if (!Chip.Family || FactsOf(*Chip.Family).USBProduct != Chip.Product) {
-        return Hexadecimal(Chip.Product);
+    if (!Family || FactsOf(*Family).USBProduct != Product) {
+        return Hexadecimal(Product);
     }
-    std::string Name = FactsOf(*Chip.Family).Name + 2;
+    std::string Name = FactsOf(*Family).Name + 2;
     Name.back() = static_cast<char>(Name.back() - 'A' + 'a');
     return Name;
 }
@@ -91,8 +91,11 @@ USBChip Describe(libusb_device* Device, const libusb_device_descriptor& Descript
 
 std::string TextOf(const ChipAddress& Address)
 {
-    std::string Text = std::string("ftdi://").append(VendorName(Address.Vendor.value_or(MakersVendor))).append(":");
-    Text.append(Address.Product ? Hexadecimal(*Address.Product) : "");
+    std::string Text = "ftdi://";
+    Text.append(Address.Vendor ? VendorName(*Address.Vendor) : "");
+    if (Address.Product || Address.Serial) {
+        Text.append(":").append(Address.Product ? ProductInURL(*Address.Product, Address.Family) : "");
+    }
     if (Address.Serial) {
         Text.append(":").append(*Address.Serial);
     }
@@ -157,7 +160,8 @@ std::string USBChip::ProductName() const
 
 std::string USBChip::URL(int Interface) const
 {
-    std::string Text = std::string("ftdi://").append(VendorName(Vendor)).append(":").append(ProductInURL(*this));
+    std::string Text =
+        std::string("ftdi://").append(VendorName(Vendor)).append(":").append(ProductInURL(Product, Family));
     if (!Serial.empty()) {
         Text.append(":").append(Serial);
     }
@@ -198,21 +202,31 @@ std::vector<USBChip> ListChips(const ftdi_context& Context, std::uint16_t Vendor
 USBChip FindChip(const ftdi_context& Context, const ChipAddress& Address)
 {
     std::vector<USBChip> Chips = ListChips(Context, Address.Vendor.value_or(MakersVendor), Address.Product);
-    const auto BearsSerial = [&](const USBChip& Chip) { return !Address.Serial || Chip.Serial == *Address.Serial; };
-    const auto HasEngine = [&](const USBChip& Chip) { return BearsSerial(Chip) && Chip.Family; };
-    const auto IsSecret = [](const USBChip& Chip) { return Chip.OpenCode < 0; };
+    const auto Matches = [&](const USBChip& Chip) {
+        const bool OfFamily = !Address.Family || !Chip.Family || Chip.Family == Address.Family;
+        return OfFamily && (!Address.Serial || Chip.Serial == *Address.Serial);
+    };
+    const auto MatchesWithEngine = [&](const USBChip& Chip) { return Matches(Chip) && Chip.Family; };
+    const auto IsSecret = [&](const USBChip& Chip) {
+        return Chip.OpenCode < 0 && (!Address.Family || Chip.Family == Address.Family);
+    };
+    const auto IsSecretWithEngine = [&](const USBChip& Chip) {
+        return IsSecret(Chip) && Chip.Family && Address.Interface <= FactsOf(*Chip.Family).Engines;
+    };
+    const auto FirstOf = [&Chips](const auto& Preferred, const auto& Otherwise) {
+        const auto Found = std::find_if(Chips.begin(), Chips.end(), Preferred);
+        return Found != Chips.end() ? Found : std::find_if(Chips.begin(), Chips.end(), Otherwise);
+    };
 
-    auto Chosen = std::find_if(Chips.begin(), Chips.end(), HasEngine);
-    if (Chosen == Chips.end()) {
-        Chosen = std::find_if(Chips.begin(), Chips.end(), BearsSerial);
-    }
-    if (Chosen == Chips.end()) {
-        Chosen = std::find_if(Chips.begin(), Chips.end(), IsSecret);
+    auto Chosen = FirstOf(MatchesWithEngine, Matches);
+    if (Chosen != Chips.end()) {
+        RequireEngine(*Chosen, Address.Interface);
+    } else {
+        Chosen = FirstOf(IsSecretWithEngine, IsSecret); // its serial number cannot be read: it may be the one
     }
     if (Chosen == Chips.end()) {
         RaiseNotFound(Chips, Address);
     }
-    RequireEngine(*Chosen, Address.Interface);
     if (Chosen->OpenCode < 0) {
         RaiseUSB(Chosen->OpenCode, Source, Chosen->URL(Address.Interface), "opening the chip");
     }

@@ -20,6 +20,7 @@ struct ChipCase {
     const char* URL;
     std::optional<std::uint16_t> Vendor;
     std::optional<std::uint16_t> Product;
+    std::optional<ChipFamily> Family;
     std::optional<std::string> Serial;
     int Interface;
 };
@@ -31,23 +32,25 @@ TEST_P(ChipURL, NamesWhatItNames)
     const auto Chip = std::get<ChipAddress>(ParseDeviceURL(GetParam().URL));
     EXPECT_EQ(Chip.Vendor, GetParam().Vendor);
     EXPECT_EQ(Chip.Product, GetParam().Product);
+    EXPECT_EQ(Chip.Family, GetParam().Family);
     EXPECT_EQ(Chip.Serial, GetParam().Serial);
     EXPECT_EQ(Chip.Interface, GetParam().Interface);
 }
 
 INSTANTIATE_TEST_SUITE_P(Forms, ChipURL,
-                         testing::Values(ChipCase{"ftdi:///1", {}, {}, {}, 1}, ChipCase{"ftdi:///4", {}, {}, {}, 4},
-                                         ChipCase{"ftdi://ftdi/2", 0x0403, {}, {}, 2},
-                                         ChipCase{"ftdi://:232h/1", {}, 0x6014, {}, 1},
-                                         ChipCase{"ftdi://FTDI:FT2232H/1", 0x0403, 0x6010, {}, 1},
-                                         ChipCase{"ftdi://ftdi:2232/1", 0x0403, 0x6010, {}, 1},
-                                         ChipCase{"ftdi://ftdi:2232d/1", 0x0403, 0x6010, {}, 1},
-                                         ChipCase{"ftdi://ftdi:4232h/1", 0x0403, 0x6011, {}, 1},
-                                         ChipCase{"ftdi://0403:6014:FT0abC/1", 0x0403, 0x6014, "FT0abC", 1},
-                                         ChipCase{"ftdi://0x15Ba:0x2232/1", 0x15BA, 0x2232, {}, 1},
-                                         ChipCase{"ftdi://::no/slash/1", {}, {}, "no/slash", 1},
-                                         ChipCase{"ftdi://::/1", {}, {}, {}, 1},
-                                         ChipCase{"ftdi://0:FFFF/1", 0, 0xFFFF, {}, 1}));
+                         testing::Values(ChipCase{"ftdi:///1", {}, {}, {}, {}, 1},
+                                         ChipCase{"ftdi:///4", {}, {}, {}, {}, 4},
+                                         ChipCase{"ftdi://ftdi/2", 0x0403, {}, {}, {}, 2},
+                                         ChipCase{"ftdi://:232h/1", {}, 0x6014, ChipFamily::FT232H, {}, 1},
+                                         ChipCase{"ftdi://FTDI:FT2232H/1", 0x0403, 0x6010, ChipFamily::FT2232H, {}, 1},
+                                         ChipCase{"ftdi://ftdi:2232/1", 0x0403, 0x6010, {}, {}, 1},
+                                         ChipCase{"ftdi://ftdi:2232d/1", 0x0403, 0x6010, ChipFamily::FT2232D, {}, 1},
+                                         ChipCase{"ftdi://ftdi:4232h/1", 0x0403, 0x6011, ChipFamily::FT4232H, {}, 1},
+                                         ChipCase{"ftdi://0403:6014:FT0abC/1", 0x0403, 0x6014, {}, "FT0abC", 1},
+                                         ChipCase{"ftdi://0x15Ba:0x2232/1", 0x15BA, 0x2232, {}, {}, 1},
+                                         ChipCase{"ftdi://::no/slash/1", {}, {}, {}, "no/slash", 1},
+                                         ChipCase{"ftdi://::/1", {}, {}, {}, {}, 1},
+                                         ChipCase{"ftdi://0:FFFF/1", 0, 0xFFFF, {}, {}, 1}));
 
 struct MalformedCase {
     const char* URL;

@@ -131,12 +131,40 @@ TEST_F(USBOpening, FindsTheChipThatTheAddressNames)
                     "FT2232D"));
     EXPECT_EQ(OpeningFails(At("ftdi://:6010:X/2")),
               Error(errPellumo::errNotFound, "USBChips",
-                    "No chip on USB matches ftdi://ftdi:0x6010:X/2. Found: ftdi://ftdi:2232d:D/1 (FT2232D) "
+                    "No chip on USB matches ftdi://:0x6010:X/2. Found: ftdi://ftdi:2232d:D/1 (FT2232D) "
                     "ftdi://ftdi:2232h:H/1 (FT2232H)"));
     EXPECT_EQ(OpeningFails(At("ftdi://:6011/1")),
               Error(errPellumo::errNotFound, "USBChips",
-                    "No chip on USB matches ftdi://ftdi:0x6011/1. None with these identifiers is plugged in; check the "
+                    "No chip on USB matches ftdi://:0x6011/1. None with these identifiers is plugged in; check the "
                     "cable, and the address with `tarvix devices`"));
+}
+
+TEST_F(USBOpening, TellsChipsWithOneIdentifierApartByTheirNames)
+{
+    Usb.Plug(ChipFamily::FT2232H, "", Wires);
+    Usb.Plug(ChipFamily::FT2232D, "", Wires);
+    for (const auto& [URL, Family] : {std::pair{"ftdi://:2232d/1", ChipFamily::FT2232D},
+                                      {"ftdi://:2232h/1", ChipFamily::FT2232H},
+                                      {"ftdi://:2232/1", ChipFamily::FT2232H},
+                                      {"ftdi://:0x6010/1", ChipFamily::FT2232H}}) {
+        EXPECT_EQ(OpenUSBTransport(At(URL)).Family, Family) << URL;
+    }
+    EXPECT_EQ(OpeningFails(At("ftdi://ftdi:2232h:X/1")).Description,
+              "No chip on USB matches ftdi://ftdi:2232h:X/1. Found: ftdi://ftdi:2232h/1 (FT2232H) "
+              "ftdi://ftdi:2232d/1 (FT2232D)");
+}
+
+TEST_F(USBOpening, GuessesAmongLockedChipsOneThatHasTheInterface)
+{
+    FakeUSBDevice& Plain = Usb.Plug(ChipFamily::FT232H, "R", Wires);
+    Plain.Release = 0x0600; // an FT232R
+    Plain.OpenError = EACCES;
+    Usb.Plug(ChipFamily::FT232H, "A", Wires).OpenError = EACCES;
+    Usb.Plug(ChipFamily::FT2232H, "B", Wires).OpenError = EACCES;
+    EXPECT_EQ(OpeningFails(At("ftdi://::X/1")).Description,
+              std::string("ftdi://ftdi:232h/1: opening the chip failed: ").append(InstallRules));
+    EXPECT_EQ(OpeningFails(At("ftdi://::X/2")).Description,
+              std::string("ftdi://ftdi:2232h/2: opening the chip failed: ").append(InstallRules));
 }
 
 struct InterfaceCase {
@@ -151,7 +179,7 @@ class USBInterfaces : public USBTest, public testing::WithParamInterface<Interfa
 TEST_P(USBInterfaces, WithoutAnEngineAreRefused)
 {
     FakeUSBDevice& Chip = Usb.Plug(GetParam().Family, "S", Wires);
-    EXPECT_EQ(OpeningFails({{}, {}, {}, GetParam().Interface}),
+    EXPECT_EQ(OpeningFails({{}, {}, {}, {}, GetParam().Interface}),
               Error(GetParam().Number, "USBChips", GetParam().Description));
     EXPECT_TRUE(Chip.Requests.empty());
 }

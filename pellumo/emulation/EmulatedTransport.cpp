@@ -25,7 +25,7 @@ void EmulatedTransport::Transfer(std::span<const std::uint8_t> Out, std::span<st
     Chip().Write(Out);
     const std::size_t Count = Chip().Read(In);
     if (Count < In.size()) {
-        RaiseForDevice(errPellumo::errTimeout, Source, Name_,
+        RaiseForDevice(Count == 0 ? errPellumo::errTimeout : errPellumo::errShortAnswer, Source, Name_,
                        std::string("the chip answered only ")
                            .append(std::to_string(Count))
                            .append(" of ")

@@ -11,7 +11,7 @@
 namespace Pellumo {
 
 /// Hands commands to an emulated chip and its answers back; nothing is waited for. Answers that do not come end in
-/// errTimeout, as they would with a real chip.
+/// errTimeout or, when some came, in errShortAnswer, as they would with a real chip.
 class EmulatedTransport final : public Transport {
 public:
     /// Opens the chip: its engine is switched on anew.

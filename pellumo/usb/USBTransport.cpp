@@ -30,7 +30,7 @@ std::string Milliseconds(std::chrono::nanoseconds Time)
                                std::chrono::nanoseconds Limit)
 {
     const std::string Within = std::string(" within ").append(Milliseconds(Limit)).append(". ");
-    if (Answered > 0) {
+    if (Answered > 0 && Answered < Asked) {
         RaiseForDevice(errPellumo::errShortAnswer, Source, Device,
                        std::string("the chip answered with ")
                            .append(std::to_string(Answered))
@@ -55,7 +55,6 @@ void USBTransport::Transfer(std::span<const std::uint8_t> Out, std::span<std::ui
 {
     RequireOpen();
     const std::size_t Asked = In.size();
-    In = TakeSurplus(In);
     const int Code = Exchange(Out, In, Clock::now() + std::min<std::chrono::nanoseconds>(Limit, LongestLimit));
     // Everything may have arrived in the very moment in which the time ran out.
     if (Out.empty() && In.empty()) {
@@ -95,7 +94,7 @@ int USBTransport::Exchange(std::span<const std::uint8_t>& Out, std::span<std::ui
             Keep(Event);
         }
         if (Reading && !Read_.InFlight()) {
-            In = TakeAnswer(In);
+            Keep(TakeAnswer(In));
             Keep(Read_.Code());
         }
         if (Writing && !Write_.InFlight()) {
@@ -128,29 +127,22 @@ int USBTransport::Submit(BulkTransfer& Transfer, unsigned char Endpoint, std::sp
     return Left.count() > 0 ? Transfer.Submit(Port_.Handle(), Endpoint, Data, Left) : LIBUSB_ERROR_TIMEOUT;
 }
 
-// Moves what the finished read brought to the front of `In`; returns the rest of `In`. Nothing may be raised while the
-// write is in flight.
-std::span<std::uint8_t> USBTransport::TakeAnswer(std::span<std::uint8_t> In) noexcept
+// Moves what the finished read brought to the front of `In` and cuts that off. When it is more than was asked for, the
+// chip is out of step: the bytes in front may be of an earlier answer.
+int USBTransport::TakeAnswer(std::span<std::uint8_t>& In) noexcept
 {
     std::span<const std::uint8_t> Received = std::span(Packets_).first(Read_.Count());
     while (Received.size() > StatusBytes) {
         const auto Packet = Received.first(std::min(Received.size(), Port_.PacketSize()));
         const auto Payload = Packet.subspan(StatusBytes);
-        const auto Asked = Payload.first(std::min(Payload.size(), In.size()));
-        std::copy(Asked.begin(), Asked.end(), In.begin());
-        Surplus_.insert(Surplus_.end(), Payload.begin() + std::ssize(Asked), Payload.end());
-        In = In.subspan(Asked.size());
+        if (Payload.size() > In.size()) {
+            return LIBUSB_ERROR_OVERFLOW;
+        }
+        std::copy(Payload.begin(), Payload.end(), In.begin());
+        In = In.subspan(Payload.size());
         Received = Received.subspan(Packet.size());
     }
-    return In;
-}
-
-std::span<std::uint8_t> USBTransport::TakeSurplus(std::span<std::uint8_t> In)
-{
-    const auto Count = static_cast<std::ptrdiff_t>(std::min(Surplus_.size(), In.size()));
-    std::copy_n(Surplus_.begin(), Count, In.begin());
-    Surplus_.erase(Surplus_.begin(), Surplus_.begin() + Count);
-    return In.subspan(static_cast<std::size_t>(Count));
+    return LIBUSB_SUCCESS;
 }
 
 // Either endpoint may be the one that stalled; clearing one that did not does no harm.
@@ -163,14 +155,12 @@ void USBTransport::RecoverFromStall()
 void USBTransport::Purge()
 {
     RequireOpen();
-    Surplus_.clear();
     Port_.Purge();
 }
 
 void USBTransport::Restart()
 {
     RequireOpen();
-    Surplus_.clear();
     Port_.Restart();
 }
 

@@ -41,8 +41,7 @@ private:
     int SubmitRead(std::size_t Wanted, Clock::time_point Deadline);
     int Submit(BulkTransfer& Transfer, unsigned char Endpoint, std::span<std::uint8_t> Data,
                Clock::time_point Deadline);
-    std::span<std::uint8_t> TakeAnswer(std::span<std::uint8_t> In) noexcept;
-    std::span<std::uint8_t> TakeSurplus(std::span<std::uint8_t> In);
+    int TakeAnswer(std::span<std::uint8_t>& In) noexcept;
     void RecoverFromStall();
     void RequireOpen() const;
 
@@ -50,7 +49,6 @@ private:
     BulkTransfer Write_;
     BulkTransfer Read_;
     std::vector<std::uint8_t> Packets_; // what the read in flight fills
-    std::vector<std::uint8_t> Surplus_; // answer bytes beyond those that were asked for
 };
 
 } // namespace Pellumo

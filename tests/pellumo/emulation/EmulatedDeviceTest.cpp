@@ -94,13 +94,16 @@ TEST(EmulatedTransport, OpensAChipAnew)
     EXPECT_EQ(Wires.Calls.size(), 0U);
 }
 
-TEST(EmulatedTransport, MissingAnswersEndInATimeout)
+TEST(EmulatedTransport, TellsNoAnswerFromAShortOne)
 {
     EchoPins Wires;
     EmulatedTransport Pipe(std::make_shared<EmulatedChip>(ChipFamily::FT232H, Wires), "sim:door.toml");
     Bytes Answer(3);
-    EXPECT_EQ(FailureOf([&] { Pipe.Transfer(Bytes{0xAA}, Answer, 1s); }),
+    EXPECT_EQ(FailureOf([&] { Pipe.Transfer({}, Answer, 1s); }),
               (Failure{static_cast<std::uint32_t>(errPellumo::errTimeout), "EmulatedTransport",
+                       "sim:door.toml: the chip answered only 0 of 3 bytes"}));
+    EXPECT_EQ(FailureOf([&] { Pipe.Transfer(Bytes{0xAA}, Answer, 1s); }),
+              (Failure{static_cast<std::uint32_t>(errPellumo::errShortAnswer), "EmulatedTransport",
                        "sim:door.toml: the chip answered only 2 of 3 bytes"}));
 }
 

@@ -155,15 +155,29 @@ TEST_F(USBTransfer, KeepsEachTransferSmall)
     EXPECT_EQ(Chip.LargestTransfer, 65536U);
 }
 
-TEST_F(USBTransfer, KeepsSurplusAnswersUntilTheNextTransferOrPurge)
-{
-    const Bytes TwoAnswersAndMore = {0xAA, 0xAB, 0x87};
-    EXPECT_EQ(Transfer(TwoAnswersAndMore, 1), Bytes{0xFA});
-    EXPECT_EQ(Transfer({}, 2), (Bytes{0xAA, 0xFA}));
-    EXPECT_EQ(Transfer({0xAC, 0x87}, 3), (Bytes{0xAB, 0xFA, 0xAC}));
+struct SurplusCase {
+    std::size_t Left;  // of an earlier answer, in the chip
+    std::size_t Asked; // for the answer that comes next
+};
 
-    Transfer(TwoAnswersAndMore, 1);
-    Transfer(TwoAnswersAndMore, 0);
+class USBSurplus : public USBTransfer, public testing::WithParamInterface<SurplusCase> {};
+INSTANTIATE_TEST_SUITE_P(OfOnePacketAndOfTwo, USBSurplus, testing::Values(SurplusCase{1, 2}, SurplusCase{300, 700}));
+
+TEST_P(USBSurplus, IsAnErrorAndGoneAfterARestart)
+{
+    const auto [Left, Asked] = GetParam();
+    Transfer(ExchangeCommand(Bytes(Left, 0x0F)), 0);
+    EXPECT_EQ(FailureOf([&, Wanted = Asked] { Transfer(ExchangeCommand(Pattern(Wanted)), Wanted); }),
+              Error(errPellumo::errUSB, "USBTransport",
+                    "ftdi://ftdi:232h:S/1: the transfer failed: Overflow (LIBUSB_ERROR_OVERFLOW). Check the cable and "
+                    "the hub and try again"));
+    Pipe->Restart();
+    EXPECT_EQ(Transfer({0xAA, 0x87}, 2), (Bytes{0xFA, 0xAA}));
+}
+
+TEST_F(USBTransfer, PurgeThrowsOldAnswersAway)
+{
+    Transfer({0xAA, 0xAB, 0x87}, 0);
     Chip.Requests.clear();
     Pipe->Purge();
     EXPECT_EQ(Chip.Requests, (std::vector<ChipRequest>{{0x00, 1, 1}, {0x00, 2, 1}}));
@@ -197,6 +211,18 @@ TEST_F(USBTransfer, EndsAtItsLimitAndTellsHowFarItGot)
     // 2004 bytes of command; after 40 ms (769 samples bytes) the chip has room for another 1024.
     EXPECT_EQ(
         FailureOf([&] { Transfer(ExchangeCommand(Pattern(2000)), 0, 40ms); }),
+        Error(errPellumo::errTimeout, "USBTransport",
+              "ftdi://ftdi:232h:S/1: the chip did not take the last 207 command bytes within 40 ms. Plug the chip "
+              "in again and open it again"));
+}
+
+TEST_F(USBTransfer, TellsWhatWasNotTakenAlsoWhenTheAnswerIsComplete)
+{
+    Bytes Stream = ExchangeCommand(Pattern(2000));
+    Stream[0] = 0x18; // nothing is read
+    Stream.insert(Stream.begin(), {0xAA, 0x87});
+    EXPECT_EQ(
+        FailureOf([&] { Transfer(Stream, 2, 40ms); }),
         Error(errPellumo::errTimeout, "USBTransport",
               "ftdi://ftdi:232h:S/1: the chip did not take the last 207 command bytes within 40 ms. Plug the chip "
               "in again and open it again"));

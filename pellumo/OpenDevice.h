@@ -20,8 +20,8 @@ namespace Pellumo {
 /// | `ftdi:///1` | the first chip found on USB, its first interface |
 /// | `ftdi://VENDOR:PRODUCT[:SERIAL]/INTERFACE` | one chip |
 ///
-/// The vendor is `ftdi` or a hexadecimal number; the product `232h`, `2232h`, `4232h`, `2232` or a hexadecimal number.
-/// What is left out matches every chip.
+/// The vendor is `ftdi` or a hexadecimal number; the product `232h`, `2232h`, `4232h`, `2232d`, `2232` (either of
+/// that kind) or a hexadecimal number. What is left out matches every chip.
 ///
 /// @throws Tarvix::Error  with a number of `errPellumo`; the description names the device, what was tried and what the
 ///                        user can do

@@ -144,21 +144,33 @@ void AddBusOptions(CLI::App& App, BusOptions& Bus)
     App.add_flag("-q,--quiet", Bus.Quiet, "No notices and no progress bar; errors are still told");
 }
 
+template <typename Arguments>
+concept UsesBus = requires(const Arguments& Each)
+{
+    Each.Bus;
+};
+
+template <typename Arguments>
+std::optional<FileClash> ClashIn(const Arguments& /*Each*/)
+{
+    return std::nullopt;
+}
+
+template <UsesBus Arguments>
+std::optional<FileClash> ClashIn(const Arguments& Each)
+{
+    return FindFileClash(Each.Bus);
+}
+
+std::optional<FileClash> ClashIn(const RunArguments& Run)
+{
+    return FindFileClash(Run.Bus, Run.Scripts);
+}
+
 /// No file may be overwritten by another's output.
 void RefuseFileClashes(const Command& Chosen)
 {
-    const auto Clash = std::visit(
-        [](const auto& Arguments) -> std::optional<FileClash> {
-            if constexpr (requires { Arguments.Scripts; }) {
-                return FindFileClash(Arguments.Bus, Arguments.Scripts);
-            } else if constexpr (requires { Arguments.Bus; }) {
-                return FindFileClash(Arguments.Bus);
-            } else {
-                return std::nullopt;
-            }
-        },
-        Chosen);
-    if (Clash) {
+    if (const auto Clash = std::visit([](const auto& Each) { return ClashIn(Each); }, Chosen)) {
         throw CLI::ValidationError(Clash->Option, Clash->Problem);
     }
 }

@@ -36,8 +36,9 @@ struct AnswerTiming {
 /// The slave's bit time lies between bounds that follow from every two edges: so many bits took so many samples, give
 /// or take the one sample by which each edge is seen late. The more edges and the longer the answer, the closer the
 /// bounds. Edges of different bytes count when that leaves a bit time for bytes without any gap between them, which a
-/// slave's UART sends; else only edges of the same byte. So gaps that are as long as a slow clock would make them, less
-/// than a fifth of a bit time, are taken for one.
+/// slave's UART sends; else only edges of the same byte. So gaps that are as long as a slow clock would make them are
+/// taken for one: of 3200 random answers with gaps this befell 30 of 800 with two bytes, by gaps up to 0.36 bit times,
+/// and 25 of 2400 with three to nine, by gaps up to 0.2.
 ///
 /// Accuracy on the simulated bus, median and worst of 800 random answers, in percent: nine bytes without gaps 0.02 and
 /// 0.15, three bytes 0.15 and 0.55, two bytes 0.4 and 1.0; with gaps 0.5 and 1.5, 0.7 and 1.6, 0.9 and 2.7. Edges that
